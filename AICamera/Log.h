@@ -1,0 +1,67 @@
+// The process-wide logger: levels, console/file targets and one file a day.
+#ifndef AICAMERA_LOG_H
+#define AICAMERA_LOG_H
+
+#include <stdarg.h>
+#include <sys/time.h>
+
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "../Interface/ai_camera.h"  // LOG_LEVER, LOG_TARGET
+#include "../OS/OS_Mutex.h"
+
+// Held by every caller while it composes and emits one record.
+extern OS_Mutex _mtx;
+
+#define SDK_VERSION_TEXT "V4.2.0.2"
+
+template <typename T>
+std::string num2str(const T& value)
+{
+    std::ostringstream out;
+    out << value;
+    return out.str();
+}
+
+class Log {
+public:
+    typedef void (*ClockFunc)(struct timeval* now);
+
+    static Log* GetInstance();
+
+    int Init(LOG_LEVER level, LOG_TARGET target, const std::string& path, const std::string& name);
+    int GetLogConfig(int* level, int* target);
+
+    int Trace(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    int Debug(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    int Info(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    int Warn(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    int Error(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    int Fatal(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    // The level methods' shared body, for callers that hold a va_list.
+    int VLog(LOG_LEVER method, const char* format, va_list args);
+
+    int WriteLog(const std::string& message);
+    int WriteFile(const std::string& record);
+    bool Makedir(const std::string& path);
+    std::string GetCurrDate();
+    std::string GetCurrTime();
+
+    // Replaces the wall clock (null restores it) so that tests can cross midnight.
+    void SetClock(ClockFunc clock);
+
+private:
+    Log();
+    struct tm LocalNow();
+
+    std::string m_strPath;
+    std::string m_strName;
+    std::ofstream m_file;
+    int m_nLever;
+    int m_nTarget;
+    ClockFunc m_pClock;
+};
+
+#endif
