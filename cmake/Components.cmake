@@ -47,4 +47,5 @@ target_include_directories(ai_camera PUBLIC
 set_target_properties(ai_camera PROPERTIES
   VERSION ${PROJECT_VERSION}
   SOVERSION ${PROJECT_VERSION_MAJOR})
-target_link_options(ai_camera PRIVATE -Wl,--no-undefined -Wl,--exclude-libs,ALL)
+target_link_options(ai_camera PRIVATE -Wl,--no-undefined -Wl,--version-script=${AICAM_ROOT}/cmake/ai_camera.map)
+set_property(TARGET ai_camera APPEND PROPERTY LINK_DEPENDS ${AICAM_ROOT}/cmake/ai_camera.map)

@@ -1,0 +1,189 @@
+// The device object's construction, its connections and the local video stream.
+#include "AICamera.h"
+
+#include <string.h>
+
+#include "CameraManager.h"
+#include "CommandManager.h"
+#include "ReportCommand.h"
+#include "Trace.h"
+
+#define TRACE_FILE "AICamera"
+
+namespace {
+// The stream's initial size, as the camera starts with it.
+const int kInitialWidth = 720;
+const int kInitialHeight = 1280;
+// A raw MJPEG recording carries no rate; the module streams at most 25 frames a second.
+const int kPlaybackFramesPerSecond = 25;
+}  // namespace
+
+AICamera::AICamera()
+    : m_pRecoReportFunc(nullptr),
+      m_pTrackReportFunc(nullptr),
+      m_pImageReportFunc(nullptr),
+      m_pFeatureReportFunc(nullptr),
+      m_pQRCodeReportFunc(nullptr),
+      m_pCommandManager(CommandManager::GetInstance()),
+      m_pCameraManager(CameraManager::GetInstance()),
+      m_nLastWidth(kInitialWidth),
+      m_nLastHeight(kInitialHeight)
+{
+}
+
+AICamera::~AICamera()
+{
+    if (m_pCommandManager) {
+        DisconnectSerial();
+        m_pCommandManager = nullptr;
+    }
+    if (m_pCameraManager) {
+        DisconnectCamera();
+        m_pCameraManager = nullptr;
+    }
+}
+
+int AICamera::MissingManagerRecord(const char* function, int line, const char* manager)
+{
+    TraceRecord(LOG_LEVER_DEBUG, TRACE_FILE, function, line,
+                "[ERROR] %s == nullptr\n[INPUT ] dev : %p\n[OUTPUT]\n[RETURN] nRet : %d\n", manager,
+                static_cast<void*>(this), -1);
+    return -1;
+}
+
+int AICamera::ConnectSerial(void* portName)
+{
+    if (!m_pCommandManager)
+        return MissingManagerRecord(__func__, __LINE__, "m_pCommandManager");
+    int nRet = m_pCommandManager->StartDataTransmit(portName);
+    if (nRet != 0)
+        return nRet;
+    m_pCommandManager->Register(new AsyncCommandRecoReport(this));
+    m_pCommandManager->Register(new AsyncCommandTrackReport(this));
+    m_pCommandManager->Register(new AsyncCommandImageReport(this));
+    m_pCommandManager->Register(new AsyncCommandFeatureReport(this));
+    m_pCommandManager->Register(new AsyncCommandQRCodeReport(this));
+    return 0;
+}
+
+int AICamera::DisconnectSerial()
+{
+    if (!m_pCommandManager)
+        return MissingManagerRecord(__func__, __LINE__, "m_pCommandManager");
+    int nRet = m_pCommandManager->StopDataTransmit();
+    TRACE_AT(LOG_LEVER_DEBUG, "[INPUT ] dev : %p\n[OUTPUT]\n[RETURN] nRet : %d\n", static_cast<void*>(this), nRet);
+    return nRet;
+}
+
+int AICamera::ConnectCamera(void* pCameraName)
+{
+    if (!m_pCameraManager)
+        return MissingManagerRecord(__func__, __LINE__, "m_pCameraManager");
+    const char* refusal = nullptr;
+    if (!pCameraName)
+        refusal = "pCameraName == nullptr";
+    else if (!strlen(static_cast<char*>(pCameraName)))
+        refusal = "!strlen(static_cast<char*>(pCameraName))";
+    if (refusal) {
+        TRACE_AT(LOG_LEVER_DEBUG, "[ERROR] %s\n[INPUT ] dev : %p\n[OUTPUT]\n[RETURN] nRet : %d\n", refusal,
+                 static_cast<void*>(this), -4);
+        return -4;
+    }
+    return m_pCameraManager->StartCamera(pCameraName);
+}
+
+int AICamera::ConnectCameraPlayback(const char* path)
+{
+    if (!m_pCameraManager)
+        return MissingManagerRecord(__func__, __LINE__, "m_pCameraManager");
+    if (!path || !*path) {
+        TRACE_AT(LOG_LEVER_DEBUG, "[ERROR] %s\n[INPUT ] dev : %p\n[OUTPUT]\n[RETURN] nRet : %d\n",
+                 path ? "!strlen(path)" : "path == nullptr", static_cast<void*>(this), -4);
+        return -4;
+    }
+    int nRet = m_pCameraManager->StartPlayback(path, kPlaybackFramesPerSecond);
+    TRACE_AT(LOG_LEVER_DEBUG, "[INPUT ] dev : %p path : %s\n[OUTPUT]\n[RETURN] nRet : %d\n",
+             static_cast<void*>(this), path, nRet);
+    return nRet;
+}
+
+int AICamera::DisconnectCamera()
+{
+    if (!m_pCameraManager)
+        return MissingManagerRecord(__func__, __LINE__, "m_pCameraManager");
+    int nRet = m_pCameraManager->StopCamera();
+    TRACE_AT(LOG_LEVER_DEBUG, "[INPUT ] dev : %p\n[OUTPUT]\n[RETURN] nRet : %d\n", static_cast<void*>(this), nRet);
+    return nRet;
+}
+
+int AICamera::GetFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize)
+{
+    int nRet = 0;
+    const char* refusal = nullptr;
+    if (!m_pCameraManager) {
+        refusal = "m_pCameraManager == nullptr";
+        nRet = -1;
+    } else if (!imageBuf) {
+        refusal = "imageBuf == nullptr";
+    } else if (imageSize == 0) {
+        refusal = "imageSize == 0";
+    } else if (!verifyBuf) {
+        refusal = "verifyBuf == nullptr";
+    } else if (verifySize == 0) {
+        refusal = "verifySize == 0";
+    }
+    if (!refusal)
+        return m_pCameraManager->GetFrame(imageBuf, imageSize, verifyBuf, verifySize);
+    if (nRet == 0)
+        nRet = -4;
+    TRACE_AT(LOG_LEVER_DEBUG, "[ERROR] %s\n[INPUT ] dev : %p\n[OUTPUT] output invalid\n[RETURN] nRet : %d\n",
+             refusal, static_cast<void*>(this), nRet);
+    return nRet;
+}
+
+int AICamera::GetResolution(int* width, int* height)
+{
+    if (!m_pCameraManager) {
+        TRACE_AT(LOG_LEVER_DEBUG,
+                 "[ERROR] m_pCameraManager == nullptr\n[INPUT ] dev : %p\n[OUTPUT] output invalid\n"
+                 "[RETURN] nRet : %d\n",
+                 static_cast<void*>(this), -1);
+        return -1;
+    }
+    int nRet = m_pCameraManager->GetResolution(width, height);
+    // Only a change is recorded, so that polling does not flood the log.
+    if (*width != m_nLastWidth || *height != m_nLastHeight) {
+        TRACE_AT(LOG_LEVER_DEBUG, "[INPUT ] dev : %p\n[OUTPUT] width : %d height : %d\n[RETURN] nRet : %d\n",
+                 static_cast<void*>(this), *width, *height, nRet);
+        m_nLastWidth = *width;
+        m_nLastHeight = *height;
+    }
+    return nRet;
+}
+
+int AICamera::SetResolution(int width, int height)
+{
+    if (!m_pCameraManager) {
+        TRACE_AT(LOG_LEVER_DEBUG,
+                 "[ERROR] m_pCameraManager == nullptr\n[INPUT ] dev : %p width : %d height : %d\n[OUTPUT]\n"
+                 "[RETURN] nRet : %d\n",
+                 static_cast<void*>(this), width, height, -1);
+        return -1;
+    }
+    int nRet = m_pCameraManager->SetResolution(width, height);
+    TRACE_AT(LOG_LEVER_DEBUG, "[INPUT ] dev : %p width : %d height : %d\n[OUTPUT]\n[RETURN] nRet : %d\n",
+             static_cast<void*>(this), width, height, nRet);
+    return nRet;
+}
+
+AICamera* AICameraMaker::MakeAICamera(AI_CAMERA_TYPE type)
+{
+    switch (type) {
+    case AI_CAMERA_TYPE_V1:
+    case AI_CAMERA_TYPE_V2:
+    case AI_CAMERA_TYPE_V3:
+        return new AICamera();
+    default:
+        return nullptr;
+    }
+}

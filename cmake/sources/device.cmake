@@ -1,0 +1,13 @@
+set(AICAM_SOURCES
+  AICamera/AICamera.cpp
+  AICamera/ReportCommand.cpp
+  AICamera/DeviceRequest.cpp
+  AICamera/DeviceCommand.cpp
+  AICamera/FaceLibraryCommands.cpp
+  AICamera/RecognitionCommands.cpp
+  AICamera/RecognitionSettingsCommands.cpp
+  AICamera/DeviceInfoCommands.cpp
+  AICamera/FirmwareCommands.cpp
+  AICamera/CameraSettingsCommands.cpp
+  AICamera/UploadSwitchCommands.cpp
+)

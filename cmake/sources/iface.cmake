@@ -1,0 +1,1 @@
+set(AICAM_SOURCES Interface/ai_camera.cpp)
