@@ -1,0 +1,225 @@
+// Throughput of the capture path (MJPEG decode and BGRA conversion on the
+// capture thread) next to the ffmpeg tool on the same 1280x720 clip, and the
+// cost of GetFrame's copy next to a bare memcpy of the same bytes.
+//
+// Usage: bench_video [frames]   (run from a scratch directory; writes bench_clip.mjpeg)
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+#include <fcntl.h>
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+#include <thread>
+#include <vector>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavutil/frame.h>
+}
+
+#include "AICamera/CameraManager.h"
+
+namespace {
+const int kWidth = 1280;
+const int kHeight = 720;
+const int kFrameBytes = kWidth * kHeight * 4;
+const char* const kClip = "bench_clip.mjpeg";
+
+double Now()
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+double ProcessCpu()
+{
+    timespec t;
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return t.tv_sec + t.tv_nsec / 1e9;
+}
+
+// Moving colour bars with a gradient, so that every picture differs and has
+// texture like a camera picture; each frame carries its number as side text.
+void MakeClip(int frames)
+{
+    const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_MJPEG);
+    AVCodecContext* ctx = avcodec_alloc_context3(codec);
+    ctx->width = kWidth;
+    ctx->height = kHeight;
+    ctx->pix_fmt = AV_PIX_FMT_YUVJ422P;
+    ctx->time_base = AVRational{1, 30};
+    ctx->flags |= AV_CODEC_FLAG_BITEXACT | AV_CODEC_FLAG_QSCALE;
+    ctx->global_quality = FF_QP2LAMBDA * 4;
+    if (avcodec_open2(ctx, codec, nullptr) != 0) {
+        fprintf(stderr, "no MJPEG encoder\n");
+        exit(1);
+    }
+    AVFrame* frame = av_frame_alloc();
+    frame->width = kWidth;
+    frame->height = kHeight;
+    frame->format = ctx->pix_fmt;
+    av_frame_get_buffer(frame, 0);
+    AVPacket* packet = av_packet_alloc();
+    FILE* out = fopen(kClip, "wb");
+    for (int i = 0; i < frames; ++i) {
+        av_frame_make_writable(frame);
+        for (int y = 0; y < kHeight; ++y)
+            for (int x = 0; x < kWidth; ++x)
+                frame->data[0][y * frame->linesize[0] + x] = static_cast<uint8_t>(((x + i * 8) / 160) * 30 + y / 8);
+        for (int p = 1; p < 3; ++p)
+            for (int y = 0; y < kHeight; ++y)
+                for (int x = 0; x < kWidth / 2; ++x)
+                    frame->data[p][y * frame->linesize[p] + x] = static_cast<uint8_t>(64 + p * 40 + ((x + i * 4) / 80) * 9);
+        frame->pts = i;
+        frame->quality = ctx->global_quality;
+        avcodec_send_frame(ctx, frame);
+        if (avcodec_receive_packet(ctx, packet) == 0) {
+            char text[64];
+            int n = snprintf(text, sizeof text, "{\"frame\":%d,\"bench\":true}", i);
+            unsigned char com[4] = {0xFF, 0xFE, static_cast<unsigned char>((n + 2) >> 8), static_cast<unsigned char>(n + 2)};
+            fwrite(packet->data, 1, 2, out);
+            fwrite(com, 1, 4, out);
+            fwrite(text, 1, static_cast<size_t>(n), out);
+            fwrite(packet->data + 2, 1, static_cast<size_t>(packet->size) - 2, out);
+            av_packet_unref(packet);
+        }
+    }
+    fclose(out);
+    av_packet_free(&packet);
+    av_frame_free(&frame);
+    avcodec_free_context(&ctx);
+}
+
+struct Run {
+    double wall;
+    double cpu;
+};
+
+// Plays the clip as fast as the pacing allows and waits, without copying
+// pictures, for the last frame's side text.
+Run CapturePath(int frames)
+{
+    CameraManager* manager = CameraManager::GetInstance();
+    char last[64];
+    snprintf(last, sizeof last, "{\"frame\":%d,", frames - 1);
+    double wall0 = Now(), cpu0 = ProcessCpu();
+    if (manager->StartPlayback(kClip, 1000) != 0) {
+        fprintf(stderr, "StartPlayback failed\n");
+        exit(1);
+    }
+    char verify[64];
+    for (;;) {
+        memset(verify, 0, sizeof verify);
+        if (manager->GetFrame(nullptr, 0, verify, sizeof verify) == 0 && strncmp(verify, last, strlen(last)) == 0)
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    Run run = {Now() - wall0, ProcessCpu() - cpu0};
+    manager->StopCamera();
+    return run;
+}
+
+Run FfmpegTool()
+{
+    double wall0 = Now();
+    pid_t pid = fork();
+    if (pid == 0) {
+        int null = open("/dev/null", O_WRONLY);
+        dup2(null, 1);
+        dup2(null, 2);
+        execlp("ffmpeg", "ffmpeg", "-threads", "1", "-f", "mjpeg", "-i", kClip, "-pix_fmt", "bgra",
+               "-sws_flags", "fast_bilinear", "-f", "null", "-", static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    int status = 0;
+    struct rusage usage;
+    wait4(pid, &status, 0, &usage);
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+        fprintf(stderr, "ffmpeg failed\n");
+        exit(1);
+    }
+    double cpu = usage.ru_utime.tv_sec + usage.ru_utime.tv_usec / 1e6 + usage.ru_stime.tv_sec +
+                 usage.ru_stime.tv_usec / 1e6;
+    return {Now() - wall0, cpu};
+}
+
+double Median(std::vector<double> v)
+{
+    std::sort(v.begin(), v.end());
+    return v[v.size() / 2];
+}
+
+// Times each GetFrame that hands out a fresh picture during a paced playback.
+double GetFrameCopySeconds(int samples)
+{
+    CameraManager* manager = CameraManager::GetInstance();
+    manager->StartPlayback(kClip, 100);
+    std::vector<char> image(kFrameBytes);
+    std::vector<double> times;
+    while (static_cast<int>(times.size()) < samples) {
+        double t0 = Now();
+        int result = manager->GetFrame(image.data(), kFrameBytes, nullptr, 0);
+        double t1 = Now();
+        if (result == 0)
+            times.push_back(t1 - t0);
+        else
+            std::this_thread::sleep_for(std::chrono::microseconds(500));
+    }
+    manager->StopCamera();
+    return Median(times);
+}
+
+// The source is rewritten before each copy, on this thread (warm in this
+// core's cache) or on another one, as the capture thread rewrites its picture.
+double MemcpySeconds(int samples, bool writtenElsewhere)
+{
+    std::vector<char> source(kFrameBytes, 1), target(kFrameBytes);
+    std::vector<double> times;
+    for (int i = 0; i < samples; ++i) {
+        if (writtenElsewhere)
+            std::thread([&] { memset(source.data(), i, source.size()); }).join();
+        else
+            memset(source.data(), i, source.size());
+        double t0 = Now();
+        memcpy(target.data(), source.data(), source.size());
+        double t1 = Now();
+        times.push_back(t1 - t0);
+    }
+    volatile char sink = target[kFrameBytes / 2];
+    (void)sink;
+    return Median(times);
+}
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    const int frames = argc > 1 ? atoi(argv[1]) : 300;
+    MakeClip(frames);
+    Run ours = {1e9, 1e9}, tool = {1e9, 1e9};
+    // Best of three, interleaved, so that both see the same machine state.
+    for (int i = 0; i < 3; ++i) {
+        Run a = CapturePath(frames);
+        Run b = FfmpegTool();
+        ours = {std::min(ours.wall, a.wall), std::min(ours.cpu, a.cpu)};
+        tool = {std::min(tool.wall, b.wall), std::min(tool.cpu, b.cpu)};
+    }
+    printf("clip: %d frames of %dx%d MJPEG (%s)\n", frames, kWidth, kHeight, kClip);
+    printf("capture path : %7.1f frames/s, %6.2f ms CPU/frame\n", frames / ours.wall, ours.cpu * 1e3 / frames);
+    printf("ffmpeg tool  : %7.1f frames/s, %6.2f ms CPU/frame\n", frames / tool.wall, tool.cpu * 1e3 / frames);
+    printf("throughput ratio (capture / ffmpeg, goal >= 0.9): %.3f\n", tool.wall / ours.wall);
+    printf("CPU per frame ratio (capture / ffmpeg): %.3f\n", ours.cpu / tool.cpu);
+    double copy = GetFrameCopySeconds(60);
+    double warm = MemcpySeconds(60, false);
+    double handed = MemcpySeconds(60, true);
+    printf("GetFrame copy: %.3f ms (median)\n", copy * 1e3);
+    printf("memcpy %d bytes, source written on this thread : %.3f ms (median)\n", kFrameBytes, warm * 1e3);
+    printf("memcpy %d bytes, source written on another thread: %.3f ms (median)\n", kFrameBytes, handed * 1e3);
+    printf("copy ratio (GetFrame / memcpy, goal <= 1.5): %.3f against the same-thread source, %.3f against the other-thread source\n",
+           copy / warm, copy / handed);
+    return 0;
+}
