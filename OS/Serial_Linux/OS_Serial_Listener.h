@@ -1,0 +1,12 @@
+// Told by the serial port's listener thread that the port has bytes to read.
+#ifndef OS_SERIAL_LISTENER_H
+#define OS_SERIAL_LISTENER_H
+
+class OS_Serial_Listener {
+public:
+    // event 1: bytes are waiting; no other value is sent.
+    virtual void process(int event) = 0;
+    virtual ~OS_Serial_Listener() = default;
+};
+
+#endif

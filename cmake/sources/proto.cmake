@@ -1,0 +1,10 @@
+set(AICAM_SOURCES
+  AICamera/Message.cpp
+  AICamera/Command.cpp
+  AICamera/SyncCommand.cpp
+  AICamera/AsyncCommand.cpp
+  AICamera/CommandExecutor.cpp
+  AICamera/Transceiver.cpp
+  AICamera/CommandManager.cpp
+  OS/Serial_Linux/OS_Serial.cpp
+)

@@ -1,0 +1,73 @@
+#include <algorithm>
+
+#include "SimState.h"
+
+namespace sim {
+namespace {
+const uint8_t kHostMarker = 0x1A;
+// Larger than anything the host sends; a longer length is a broken frame.
+const uint32_t kMaxPayload = 16u << 20;
+
+uint32_t BigEndian32(const uint8_t* p)
+{
+    return (uint32_t(p[0]) << 24) | (uint32_t(p[1]) << 16) | (uint32_t(p[2]) << 8) | uint32_t(p[3]);
+}
+
+uint32_t LittleEndian(const Bytes& b, size_t at, size_t n)
+{
+    uint32_t v = 0;
+    for (size_t i = 0; i < n; ++i)
+        v |= uint32_t(b[at + i]) << (8 * i);
+    return v;
+}
+
+Request MakeRequest(const uint8_t* payload, size_t size)
+{
+    Request request;
+    request.payload.assign(payload, payload + size);
+    if (size >= 2)
+        request.tag = static_cast<uint16_t>(LittleEndian(request.payload, 0, 2));
+    if (size >= 6) {
+        size_t len = std::min<size_t>(LittleEndian(request.payload, 2, 4), size - 6);
+        request.value.assign(payload + 6, payload + 6 + len);
+    }
+    return request;
+}
+}  // namespace
+
+std::vector<Request> HostFrameParser::Feed(const uint8_t* data, size_t len)
+{
+    m_buffer.insert(m_buffer.end(), data, data + len);
+    std::vector<Request> found;
+    size_t at = 0;
+    while (at < m_buffer.size()) {
+        if (m_buffer[at] != kHostMarker) {
+            // Skip to the next marker; the run of junk counts as one bad frame.
+            auto next = std::find(m_buffer.begin() + static_cast<long>(at), m_buffer.end(), kHostMarker);
+            at = static_cast<size_t>(next - m_buffer.begin());
+            ++m_badFrames;
+            continue;
+        }
+        size_t left = m_buffer.size() - at;
+        if (left < 5)
+            break;
+        uint32_t size = BigEndian32(&m_buffer[at + 1]);
+        if (size > kMaxPayload) {
+            ++m_badFrames;
+            ++at;
+            continue;
+        }
+        size_t total = size_t(size) + 9;
+        if (left < total)
+            break;
+        const uint8_t* frame = &m_buffer[at];
+        if (BigEndian32(frame + 5 + size) != ModuleSimulator::Crc(frame, 5 + size))
+            ++m_badFrames;
+        else
+            found.push_back(MakeRequest(frame + 5, size));
+        at += total;
+    }
+    m_buffer.erase(m_buffer.begin(), m_buffer.begin() + static_cast<long>(at));
+    return found;
+}
+}  // namespace sim

@@ -1,0 +1,75 @@
+// Internal state of the simulator, shared by its reader and writer threads.
+#ifndef SIM_SIMSTATE_H
+#define SIM_SIMSTATE_H
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <thread>
+
+#include "ModuleSimulator.h"
+
+namespace sim {
+using Clock = std::chrono::steady_clock;
+
+// One piece of output with the way it must be written.
+struct OutItem {
+    Clock::time_point due;
+    Bytes bytes;
+    size_t chunk = 0;
+    int bytesPerMs = 0;
+};
+
+// Cuts the host's byte stream into frames: marker 0x1A, length u32 BE,
+// payload, CRC u32 BE. Refused frames are counted, not delivered.
+class HostFrameParser {
+public:
+    // Appends bytes and returns every complete, valid request found.
+    std::vector<Request> Feed(const uint8_t* data, size_t len);
+    size_t BadFrames() const { return m_badFrames; }
+
+private:
+    Bytes m_buffer;
+    size_t m_badFrames = 0;
+};
+
+struct ModuleSimulator::State {
+    int master = -1;
+    int slave = -1;
+    int wakePipe[2] = {-1, -1};
+    std::string slavePath;
+    std::atomic<bool> running{false};
+    std::thread reader;
+    std::thread writer;
+
+    mutable std::mutex lock;
+    mutable std::condition_variable changed;
+    std::map<uint16_t, Handler> handlers;
+    Handler defaultHandler;
+    std::vector<Request> requests;
+    HostFrameParser parser;
+
+    std::deque<OutItem> output;
+    size_t unwritten = 0;  // queued or being written
+    size_t splitChunk = 0;
+    Bytes garbage;
+    int corruptFrames = 0;
+    int answerDelayMs = 0;
+    int dropAnswers = 0;
+    int bytesPerMs = 0;
+
+    void ReadLoop();
+    void WriteLoop();
+    void HandleRequest(const Request& request);
+    // Queues a frame (fault modes apply) or raw bytes, due after delayMs.
+    void Queue(Bytes bytes, bool isFrame, int delayMs);
+    bool WriteItem(const OutItem& item);
+    bool WriteAll(const uint8_t* data, size_t len);
+    void Shutdown();
+};
+}  // namespace sim
+
+#endif
