@@ -1,22 +1,13 @@
 #include "Camera.h"
 
-#include <dirent.h>
 #include <stdlib.h>
 #include <string.h>
+
+#include "../OS/OS_DeviceList.h"
 
 namespace {
 const char* const kDeviceDirectory = "/dev/";
 const char* const kVideoPattern = "video";
-
-// Appends text to the list while keeping the buffer's last byte for the
-// terminator; `length` counts the whole list, written or not.
-void AppendBounded(char* buf, int size, size_t* length, const char* text)
-{
-    for (const char* c = text; *c; ++c, ++*length) {
-        if (*length < static_cast<size_t>(size) - 1)
-            buf[*length] = *c;
-    }
-}
 }  // namespace
 
 Camera::Camera()
@@ -59,27 +50,5 @@ int Camera::EnumCamera(char* buf, int size) { return EnumCameraIn(kDeviceDirecto
 
 int Camera::EnumCameraIn(const char* directory, char* buf, int size)
 {
-    if (!buf || size <= 0)
-        return -1;
-    memset(buf, 0, static_cast<size_t>(size));
-    DIR* dir = opendir(directory);
-    if (!dir)
-        return -2;
-    int count = 0;
-    size_t length = 0;
-    while (struct dirent* entry = readdir(dir)) {
-        if (!strstr(entry->d_name, kVideoPattern))
-            continue;
-        AppendBounded(buf, size, &length, directory);
-        AppendBounded(buf, size, &length, entry->d_name);
-        AppendBounded(buf, size, &length, "|");
-        ++count;
-    }
-    closedir(dir);
-    // A list that fits loses its final "|"; a longer one is cut at size - 1.
-    if (length > 0 && length + 1 <= static_cast<size_t>(size))
-        buf[length - 1] = '\0';
-    else
-        buf[size - 1] = '\0';
-    return count;
+    return OS_ListDeviceNodes(directory, kVideoPattern, buf, size);
 }

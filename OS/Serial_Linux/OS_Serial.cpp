@@ -1,6 +1,5 @@
 #include "OS_Serial.h"
 
-#include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <pthread.h>
@@ -12,6 +11,7 @@
 #include <new>
 
 #include "../../AICamera/Trace.h"
+#include "../OS_DeviceList.h"
 
 #define TRACE_FILE "OS_Serial"
 
@@ -58,17 +58,6 @@ bool WatchInput(int epollFd, int fd)
     event.events = EPOLLIN | EPOLLET;
     event.data.fd = fd;
     return epoll_ctl(epollFd, EPOLL_CTL_ADD, fd, &event) == 0;
-}
-
-// Appends text to out without ever writing at or past index size; returns
-// the logical length including what did not fit.
-size_t AppendBounded(char* out, int size, size_t length, const char* text)
-{
-    for (; *text; ++text, ++length) {
-        if (length < static_cast<size_t>(size))
-            out[length] = *text;
-    }
-    return length;
 }
 
 // Waits on the device and the wake-up pipe; true when the thread should end.
@@ -277,28 +266,5 @@ int OS_Serial::EnumSerial(char* out, int size) { return EnumSerial(kDefaultDevDi
 
 int OS_Serial::EnumSerial(const char* dir, char* out, int size)
 {
-    if (!out)
-        return -1;
-    if (size > 0)
-        memset(out, 0, static_cast<size_t>(size));
-    DIR* listing = opendir(dir);
-    if (!listing)
-        return -2;
-    int found = 0;
-    size_t length = 0;
-    while (struct dirent* entry = readdir(listing)) {
-        if (!strstr(entry->d_name, kSerialNodeName))
-            continue;
-        length = AppendBounded(out, size, length, dir);
-        length = AppendBounded(out, size, length, entry->d_name);
-        length = AppendBounded(out, size, length, "|");
-        ++found;
-    }
-    closedir(listing);
-    if (length > 0 && size > 0) {
-        // The trailing "|" becomes the terminator, or the text is cut at size - 1.
-        size_t end = length + 1 <= static_cast<size_t>(size) ? length - 1 : static_cast<size_t>(size) - 1;
-        out[end] = '\0';
-    }
-    return found;
+    return OS_ListDeviceNodes(dir, kSerialNodeName, out, size);
 }

@@ -3,6 +3,9 @@ set(AICAM_SOURCES
   OS/OS_Semaphore.cpp
   OS/OS_Thread.cpp
   OS/OS_Time.cpp
+  OS/OS_Socket.cpp
+  OS/OS_SharedMemory.cpp
+  OS/OS_DeviceList.cpp
   AICamera/Log.cpp
   AICamera/Trace.cpp
 )
