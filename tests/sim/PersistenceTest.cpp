@@ -1,0 +1,74 @@
+// The face library kept in a file between runs.
+#include <fstream>
+
+#include "ModelFixture.h"
+
+namespace sim::test {
+namespace {
+
+std::string Feature(char c) { return std::string(proto::kFeatureLength, c); }
+
+class SimPersistenceTest : public SimModelTest {
+protected:
+    void EnrolThree() {
+        ASSERT_EQ(StatusOf(proto::kTagAddFace, WithId32({0}, "alice")), proto::kOk);
+        Bytes byFeature = WithId32({}, "bob");
+        PutU32(byFeature, uint32_t(proto::kFeatureLength));
+        PutText(byFeature, Feature('b'));
+        ASSERT_EQ(StatusOf(proto::kTagAddFeature, byFeature), proto::kOk);
+        Bytes byImage = WithId32({1}, "carol \"c\"");
+        PutU32(byImage, 3);
+        PutText(byImage, "img");
+        ASSERT_EQ(StatusOf(proto::kTagAddFace, byImage), proto::kOk);
+    }
+};
+
+TEST_F(SimPersistenceTest, SavedLibraryLoadsIntoAnotherModuleUnchanged) {
+    EnrolThree();
+    std::string error;
+    ASSERT_TRUE(model.SaveLibrary("faces.txt", error)) << error;
+
+    ModuleSimulator otherSimulator;
+    ASSERT_TRUE(otherSimulator.Start());
+    ModuleModel other(otherSimulator);
+    other.Install();
+    ASSERT_TRUE(other.LoadLibrary("faces.txt", error)) << error;
+    EXPECT_EQ(other.FaceIds(), model.FaceIds());
+    HostLink otherHost(otherSimulator.SlavePath());
+    for (const std::string& id : model.FaceIds()) {
+        std::optional<Bytes> answer = otherHost.Ask(proto::kTagQueryFeature, WithId32({}, id));
+        ASSERT_TRUE(answer);
+        ASSERT_EQ(answer->size(), 1 + 4 + id.size() + 4 + proto::kFeatureLength);
+        EXPECT_EQ((*answer)[0], proto::kOk);
+        EXPECT_EQ(std::string(answer->end() - long(proto::kFeatureLength), answer->end()), model.Face(id)->feature);
+        EXPECT_EQ(other.Face(id)->source, model.Face(id)->source);
+    }
+}
+
+TEST_F(SimPersistenceTest, LibraryFileFollowsEveryChange) {
+    model.SetLibraryFile("auto.txt");
+    EnrolThree();
+    ASSERT_EQ(StatusOf(proto::kTagDeleteFace, WithId32({1}, "alice")), proto::kOk);
+    ModuleSimulator unused;
+    ModuleModel reader(unused);
+    std::string error;
+    ASSERT_TRUE(reader.LoadLibrary("auto.txt", error)) << error;
+    EXPECT_EQ(reader.FaceIds(), (std::vector<std::string>{"bob", "carol \"c\""}));
+    EXPECT_EQ(reader.Face("bob")->feature, Feature('b'));
+}
+
+TEST_F(SimPersistenceTest, DamagedFileIsRefusedAndTheLibraryKept) {
+    EnrolThree();
+    {
+        std::ofstream out("bad.txt");
+        out << "dave\tcamera\t" << std::string(proto::kFeatureLength - 1, 'x') << "\n";
+    }
+    std::string error;
+    EXPECT_FALSE(model.LoadLibrary("bad.txt", error));
+    EXPECT_NE(error.find("bad.txt:1"), std::string::npos) << error;
+    EXPECT_FALSE(model.LoadLibrary("missing.txt", error));
+    EXPECT_EQ(model.FaceIds().size(), 3u);
+}
+
+}  // namespace
+}  // namespace sim::test

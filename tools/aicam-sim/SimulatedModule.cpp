@@ -1,0 +1,109 @@
+#include "SimulatedModule.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace aicamsim {
+
+SimulatedModule::SimulatedModule(const SimOptions& options) : m_options(options) {}
+
+SimulatedModule::~SimulatedModule() { Stop(); }
+
+// Every request passes here first: for the log, and for the unplug after N requests.
+std::optional<sim::Bytes> SimulatedModule::Gate(const sim::Request& request) {
+    const long long n = ++m_requests;
+    if (m_options.verbose)
+        std::fprintf(stderr, "aicam-sim: request %lld: tag 0x%04X, %zu value bytes\n", n, request.tag,
+                     request.value.size());
+    if (m_options.unplugAfter > 0 && n >= m_options.unplugAfter) {
+        m_unplugDue = true;
+        if (n > m_options.unplugAfter) return std::nullopt;
+    }
+    return m_model.Handle(request);
+}
+
+bool SimulatedModule::MakeLink(std::string& error) {
+    struct stat st {};
+    if (::lstat(m_options.linkPath.c_str(), &st) == 0) {
+        if (!S_ISLNK(st.st_mode)) {
+            error = m_options.linkPath + " exists and is not a symbolic link";
+            return false;
+        }
+        ::unlink(m_options.linkPath.c_str());
+    }
+    if (::symlink(SerialPath().c_str(), m_options.linkPath.c_str()) != 0) {
+        error = "cannot create " + m_options.linkPath + ": " + std::strerror(errno);
+        return false;
+    }
+    m_linkMade = true;
+    return true;
+}
+
+bool SimulatedModule::LoadLibrary(std::string& error) {
+    if (::access(m_options.libraryFile.c_str(), F_OK) == 0 && !m_model.LoadLibrary(m_options.libraryFile, error))
+        return false;
+    m_model.SetLibraryFile(m_options.libraryFile);
+    return true;
+}
+
+bool SimulatedModule::Start(std::string& error) {
+    if (!m_options.libraryFile.empty() && !LoadLibrary(error)) return false;
+    m_model.SetRebootQuietMs(m_options.rebootQuietMs);
+    m_model.SetFaceVisible(m_options.faceVisible);
+    m_model.SetFrameSize(m_options.width, m_options.height);
+    m_simulator.SetDefaultHandler([this](const sim::Request& r) { return Gate(r); });
+    m_simulator.SetSplitWrites(size_t(m_options.splitWrites));
+    m_simulator.SetPacing(m_options.pacingBytesPerMs);
+    m_simulator.SetAnswerDelay(m_options.answerDelayMs);
+    m_simulator.DropNextAnswers(m_options.dropAnswers);
+    m_simulator.CorruptNextChecksums(m_options.corruptChecksums);
+    if (!m_options.garbage.empty()) m_simulator.SetGarbageBeforeNext(m_options.garbage);
+    if (!m_simulator.Start()) {
+        error = "cannot open a pseudo-terminal";
+        return false;
+    }
+    if (!m_options.linkPath.empty() && !MakeLink(error)) return false;
+    if (!m_options.videoPath.empty()) {
+        if (m_options.makeFifo && ::access(m_options.videoPath.c_str(), F_OK) != 0) {
+            if (::mkfifo(m_options.videoPath.c_str(), 0644) != 0) {
+                error = "cannot create the FIFO " + m_options.videoPath + ": " + std::strerror(errno);
+                return false;
+            }
+            m_fifoMade = true;
+        }
+        m_video = std::make_unique<VideoStream>(
+            m_model, VideoSettings{m_options.videoPath, m_options.fps, m_options.width, m_options.height,
+                                   m_options.frames});
+        m_video->Start();
+    }
+    m_model.SetReportInterval(m_options.reportIntervalMs);
+    return true;
+}
+
+void SimulatedModule::Poll() {
+    if (!m_unplugDue || m_unplugged) return;
+    m_unplugged = true;
+    m_simulator.Unplug();
+    std::fprintf(stderr, "aicam-sim: unplugged after %lld requests\n", m_options.unplugAfter);
+}
+
+void SimulatedModule::Stop() {
+    m_model.SetReportInterval(0);
+    if (m_video) m_video->Stop();
+    m_simulator.Stop();
+    // What the simulator created goes with it.
+    if (m_linkMade) ::unlink(m_options.linkPath.c_str());
+    if (m_fifoMade) ::unlink(m_options.videoPath.c_str());
+    m_linkMade = m_fifoMade = false;
+    if (!m_options.libraryFile.empty()) {
+        std::string error;
+        if (!m_model.SaveLibrary(m_options.libraryFile, error))
+            std::fprintf(stderr, "aicam-sim: %s\n", error.c_str());
+    }
+}
+
+}  // namespace aicamsim

@@ -1,0 +1,44 @@
+#pragma once
+// The module's face library: identifiers with their features, in enrolment
+// order, and the file in which the simulator keeps it between runs.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "WireFormat.h"
+
+namespace sim {
+
+struct FaceEntry {
+    std::string id;
+    std::string source;    // "camera", "image", "slices" or "feature"
+    std::string feature;   // proto::kFeatureLength characters
+};
+
+class FaceLibrary {
+public:
+    // Returns a proto::Status: kOk, kInvalidParam, kFaceExists or kLibraryFull.
+    uint8_t Add(const FaceEntry& entry);
+    uint8_t Remove(const std::string& id);
+    void Clear() { m_entries.clear(); }
+    const FaceEntry* Find(const std::string& id) const;
+    const std::vector<FaceEntry>& Entries() const { return m_entries; }
+    std::vector<std::string> Ids() const;
+    std::string ListText() const;   // identifiers joined by ","
+
+    bool Save(const std::string& path, std::string& error) const;
+    // Replaces the library only when the whole file is valid.
+    bool Load(const std::string& path, std::string& error);
+
+    static bool ValidId(const std::string& id);
+    // A feature derived from a seed, so that the same face gives the same feature.
+    static std::string SyntheticFeature(const std::string& seed);
+    static std::string SyntheticFeature(const Bytes& seed);
+
+private:
+    static bool ValidEntry(const FaceEntry& entry);
+    std::vector<FaceEntry> m_entries;
+};
+
+}  // namespace sim
