@@ -17,15 +17,16 @@ OS_Semaphore::~OS_Semaphore()
 
 int OS_Semaphore::Init(int value)
 {
-    sem_t* sem = new (std::nothrow) sem_t;
-    if (!sem)
+    // A second Init replaces the handle without destroying the first semaphore;
+    // a failed one leaves the handle null.
+    m_hSemaphore = new (std::nothrow) sem_t;
+    if (!m_hSemaphore)
         return -1;
-    if (sem_init(sem, 0, static_cast<unsigned int>(value)) != 0) {
-        delete sem;
+    if (sem_init(m_hSemaphore, 0, static_cast<unsigned int>(value)) != 0) {
+        delete m_hSemaphore;
+        m_hSemaphore = nullptr;
         return -1;
     }
-    // A second Init replaces the handle without destroying the first semaphore.
-    m_hSemaphore = sem;
     return 0;
 }
 
@@ -38,16 +39,13 @@ int OS_Semaphore::Wait()
 
 struct timespec OS_Semaphore::Deadline(long long sec, long long usec, int ms)
 {
+    // Same carry as the classic 32-bit formula, only wide enough not to wrap.
+    // A negative ms is left as the arithmetic gives it: a past deadline, or a
+    // negative nanosecond field that the wait rejects.
     long long ns = static_cast<long long>(ms % 1000) * 1000000LL + usec * 1000LL;
-    long long carry = ns / 1000000000LL;
-    ns %= 1000000000LL;
-    if (ns < 0) {
-        ns += 1000000000LL;
-        carry -= 1;
-    }
     struct timespec ts;
-    ts.tv_sec = static_cast<time_t>(sec + ms / 1000 + carry);
-    ts.tv_nsec = static_cast<long>(ns);
+    ts.tv_sec = static_cast<time_t>(sec + ms / 1000 + ns / 1000000000LL);
+    ts.tv_nsec = static_cast<long>(ns % 1000000000LL);
     return ts;
 }
 

@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Sets up, builds everything and runs the whole test suite.
+#   scripts/test.sh             plain build in build/
+#   scripts/test.sh --sanitize  AddressSanitizer + UBSan build in build-asan/
+#   scripts/test.sh --tsan      ThreadSanitizer build in build-tsan/
+# Exits with ctest's status.
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+case "${1:-}" in
+  "")         build="build";    options=(-DAICAM_SANITIZE=OFF -DAICAM_TSAN=OFF) ;;
+  --sanitize) build="build-asan"; options=(-DAICAM_SANITIZE=ON -DAICAM_TSAN=OFF) ;;
+  --tsan)     build="build-tsan"; options=(-DAICAM_SANITIZE=OFF -DAICAM_TSAN=ON) ;;
+  *) echo "usage: $0 [--sanitize|--tsan]" >&2; exit 2 ;;
+esac
+
+bash "$root/scripts/bootstrap.sh"
+cmake -S "$root" -B "$root/$build" -G Ninja -DAICAM_WERROR=ON "${options[@]}"
+cmake --build "$root/$build"
+exec ctest --test-dir "$root/$build" --output-on-failure -j2
