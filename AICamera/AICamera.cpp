@@ -3,6 +3,10 @@
 
 #include <string.h>
 
+#include <mutex>
+#include <new>
+#include <vector>
+
 #include "CameraManager.h"
 #include "CommandManager.h"
 #include "ReportCommand.h"
@@ -51,6 +55,19 @@ int AICamera::MissingManagerRecord(const char* function, int line, const char* m
     return -1;
 }
 
+// The registry may reach a handler after its link is gone, so handlers are
+// never deleted; they stay listed here for the life of the process.
+void AICamera::RegisterReportHandler(AsyncCommand* handler)
+{
+    static std::vector<AsyncCommand*>* const everyHandler = new std::vector<AsyncCommand*>();
+    static std::mutex listLock;
+    {
+        std::lock_guard<std::mutex> guard(listLock);
+        everyHandler->push_back(handler);
+    }
+    m_pCommandManager->Register(handler);
+}
+
 int AICamera::ConnectSerial(void* portName)
 {
     if (!m_pCommandManager)
@@ -58,11 +75,11 @@ int AICamera::ConnectSerial(void* portName)
     int nRet = m_pCommandManager->StartDataTransmit(portName);
     if (nRet != 0)
         return nRet;
-    m_pCommandManager->Register(new AsyncCommandRecoReport(this));
-    m_pCommandManager->Register(new AsyncCommandTrackReport(this));
-    m_pCommandManager->Register(new AsyncCommandImageReport(this));
-    m_pCommandManager->Register(new AsyncCommandFeatureReport(this));
-    m_pCommandManager->Register(new AsyncCommandQRCodeReport(this));
+    RegisterReportHandler(new AsyncCommandRecoReport(this));
+    RegisterReportHandler(new AsyncCommandTrackReport(this));
+    RegisterReportHandler(new AsyncCommandImageReport(this));
+    RegisterReportHandler(new AsyncCommandFeatureReport(this));
+    RegisterReportHandler(new AsyncCommandQRCodeReport(this));
     return 0;
 }
 
@@ -182,7 +199,7 @@ AICamera* AICameraMaker::MakeAICamera(AI_CAMERA_TYPE type)
     case AI_CAMERA_TYPE_V1:
     case AI_CAMERA_TYPE_V2:
     case AI_CAMERA_TYPE_V3:
-        return new AICamera();
+        return new (std::nothrow) AICamera();
     default:
         return nullptr;
     }

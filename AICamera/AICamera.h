@@ -6,6 +6,7 @@
 
 #include "../Interface/ai_camera.h"
 
+class AsyncCommand;
 class CommandManager;
 class CameraManager;
 
@@ -121,6 +122,7 @@ public:
     int SetQRCodeSwitch(unsigned char isOpen, unsigned char interval);
 
 private:
+    void RegisterReportHandler(AsyncCommand* handler);
     int MissingManagerRecord(const char* function, int line, const char* manager);
     int UploadSwitch(const char* function, int line, unsigned short tag, unsigned char value);
 

@@ -177,7 +177,7 @@ int AICamera::SetFrameRate(int nFrameRate)
 {
     DEVICE_REQUEST(req, 0x2007);
     req.Inputs(" nFrameRate : %d", nFrameRate);
-    if (req.Refuse(static_cast<unsigned int>(nFrameRate - 10) > 15, "nFrameRate < 10 || nFrameRate > 25"))
+    if (req.Refuse(static_cast<unsigned int>(nFrameRate) - 10u > 15u, "nFrameRate < 10 || nFrameRate > 25"))
         return req.Result();
     req.Payload().WriteChar(kWrite);
     req.Payload().WriteChar(static_cast<unsigned char>(nFrameRate));

@@ -38,16 +38,17 @@ int Forward(void* dev, const char* function, int line, Method method, Args... ar
     return (Device(dev)->*method)(args...);
 }
 
-void* MakeDevice()
+void* MakeDevice(const char* function, int line)
 {
     void* dev = AICameraMaker::MakeAICamera(kDeviceType);
-    TRACE_AT(LOG_LEVER_DEBUG, "[INPUT ]\n[OUTPUT]\n[RETURN] dev : %p\n", dev);
+    TraceRecord(LOG_LEVER_DEBUG, TRACE_FILE, function, line, "[INPUT ]\n[OUTPUT]\n[RETURN] dev : %p\n", dev);
     return dev;
 }
 
-int ReleaseDevice(void* dev)
+int ReleaseDevice(void* dev, const char* function, int line)
 {
-    TRACE_AT(LOG_LEVER_DEBUG, "[INPUT ] dev : %p\n[OUTPUT]\n[RETURN] nRet : %d\n", dev, 0);
+    TraceRecord(LOG_LEVER_DEBUG, TRACE_FILE, function, line, "[INPUT ] dev : %p\n[OUTPUT]\n[RETURN] nRet : %d\n", dev,
+                0);
     Device(dev)->DisconnectSerial();
     Device(dev)->DisconnectCamera();
     // The two disconnects are all the destructor would do.
@@ -70,9 +71,9 @@ void RegisterCallback(void* dev, const char* function, int line, void (AICamera:
 #define FORWARD(method, ...) Forward(dev, __func__, __LINE__, &AICamera::method, ##__VA_ARGS__)
 #define REGISTER(slot) RegisterCallback(dev, __func__, __LINE__, &AICamera::slot, handler_func)
 
-void* Init(void) { return MakeDevice(); }
+void* Init(void) { return MakeDevice(__func__, __LINE__); }
 
-void* InitDev(void) { return MakeDevice(); }
+void* InitDev(void) { return MakeDevice(__func__, __LINE__); }
 
 int DeInit(void* dev)
 {
@@ -80,7 +81,7 @@ int DeInit(void* dev)
         TRACE("[ERROR ] dev == nullptr[INPUT ] invalid input\n[OUTPUT]\n[RETURN] nRet : %d\n", -1);
         return -1;
     }
-    return ReleaseDevice(dev);
+    return ReleaseDevice(dev, __func__, __LINE__);
 }
 
 int DeInitDev(void* dev)
@@ -89,7 +90,7 @@ int DeInitDev(void* dev)
         TRACE("[ERROR ] dev == nullptr\n[INPUT ] invalid input\n[OUTPUT]\n[RETURN] nRet : %d\n", -1);
         return -1;
     }
-    return ReleaseDevice(dev);
+    return ReleaseDevice(dev, __func__, __LINE__);
 }
 
 int SetLogConfig(LOG_LEVER nLogLever, LOG_TARGET nLogTarget)
