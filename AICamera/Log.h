@@ -5,6 +5,7 @@
 #include <stdarg.h>
 #include <sys/time.h>
 
+#include <atomic>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -42,6 +43,8 @@ public:
     int Fatal(const char* format, ...) __attribute__((format(printf, 2, 3)));
     // The level methods' shared body, for callers that hold a va_list.
     int VLog(LOG_LEVER method, const char* format, va_list args);
+    // Whether a method of this level would write: callers skip composing otherwise.
+    bool Enabled(LOG_LEVER method) const { return m_nLever <= method; }
 
     int WriteLog(const std::string& message);
     int WriteFile(const std::string& record);
@@ -59,8 +62,9 @@ private:
     std::string m_strPath;
     std::string m_strName;
     std::ofstream m_file;
-    int m_nLever;
-    int m_nTarget;
+    // Read by every thread that traces, written by Init.
+    std::atomic<int> m_nLever;
+    std::atomic<int> m_nTarget;
     ClockFunc m_pClock;
 };
 

@@ -24,6 +24,9 @@ int TraceRecordV(LOG_LEVER level, const char* file, const char* function, int li
                  const char* body, va_list args)
 {
     Log* log = Log::GetInstance();
+    // A filtered record is not composed at all: the receive path traces every frame.
+    if (!log->Enabled(level))
+        return 0;
     _mtx.Lock();
     char lineText[16];
     snprintf(lineText, sizeof lineText, "%d", line);
