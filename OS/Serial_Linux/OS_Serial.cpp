@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <pthread.h>
 #include <string.h>
 #include <sys/epoll.h>
@@ -30,6 +31,8 @@ struct OS_SerialPort {
 namespace {
 const char kDefaultDevDir[] = "/dev/";
 const char kSerialNodeName[] = "ttyACM";
+// How long a write waits for the line to take more bytes.
+const int kWriteStallMs = 1000;
 const int kMaxEvents = 5;
 
 thread_local OS_SerialPort* t_pListenedPort = nullptr;
@@ -111,6 +114,13 @@ void RunListenLoop(OS_SerialPort* port)
             break;
     }
     close(epollFd);
+}
+
+// True when the port can take more bytes before the line stalls for too long.
+bool WaitWritable(int fd)
+{
+    struct pollfd ready = {fd, POLLOUT, 0};
+    return poll(&ready, 1, kWriteStallMs) == 1 && (ready.revents & POLLOUT);
 }
 }  // namespace
 
@@ -198,15 +208,28 @@ int OS_Serial::Open(char const* path, OS_Serial_Listener* listener)
     return 0;
 }
 
+// The port is non-blocking, so a frame larger than the driver's buffer is taken
+// in pieces; the rest follows as room appears, while the line keeps draining.
 int OS_Serial::Write(void const* buf, int len)
 {
     if (!m_pSerial)
         return 0;
-    int written = static_cast<int>(write(m_pSerial->nFd, buf, len));
-    if (written <= 0)
+    const char* bytes = static_cast<const char*>(buf);
+    int written = static_cast<int>(write(m_pSerial->nFd, bytes, len));
+    if (written <= 0) {
         TRACE_AT(LOG_LEVER_ERROR, "write Return Fail | nWriteNum : %d  Errno : %d %s\n", written, errno,
                  strerror(errno));
-    return written;
+        return written;
+    }
+    int total = written;
+    while (total < len && WaitWritable(m_pSerial->nFd)) {
+        written = static_cast<int>(write(m_pSerial->nFd, bytes + total, len - total));
+        if (written <= 0 && errno != EAGAIN)
+            break;
+        if (written > 0)
+            total += written;
+    }
+    return total;
 }
 
 int OS_Serial::Read(void* buf, int len)
