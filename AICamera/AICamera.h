@@ -4,6 +4,8 @@
 #ifndef AICAMERA_AICAMERA_H
 #define AICAMERA_AICAMERA_H
 
+#include <atomic>
+
 #include "../Interface/ai_camera.h"
 
 class AsyncCommand;
@@ -19,16 +21,16 @@ public:
     AICamera(const AICamera&) = delete;
     AICamera& operator=(const AICamera&) = delete;
 
-    void RegisterRecoReport(ReportFunc func) { m_pRecoReportFunc = func; }
-    void RegisterTrackReport(ReportFunc func) { m_pTrackReportFunc = func; }
-    void RegisterImageReport(ReportFunc func) { m_pImageReportFunc = func; }
-    void RegisterFeatureReport(ReportFunc func) { m_pFeatureReportFunc = func; }
-    void RegisterQRCodeReport(ReportFunc func) { m_pQRCodeReportFunc = func; }
-    ReportFunc RecoReportFunc() const { return m_pRecoReportFunc; }
-    ReportFunc TrackReportFunc() const { return m_pTrackReportFunc; }
-    ReportFunc ImageReportFunc() const { return m_pImageReportFunc; }
-    ReportFunc FeatureReportFunc() const { return m_pFeatureReportFunc; }
-    ReportFunc QRCodeReportFunc() const { return m_pQRCodeReportFunc; }
+    void RegisterRecoReport(ReportFunc func) { m_pRecoReportFunc.store(func); }
+    void RegisterTrackReport(ReportFunc func) { m_pTrackReportFunc.store(func); }
+    void RegisterImageReport(ReportFunc func) { m_pImageReportFunc.store(func); }
+    void RegisterFeatureReport(ReportFunc func) { m_pFeatureReportFunc.store(func); }
+    void RegisterQRCodeReport(ReportFunc func) { m_pQRCodeReportFunc.store(func); }
+    ReportFunc RecoReportFunc() const { return m_pRecoReportFunc.load(); }
+    ReportFunc TrackReportFunc() const { return m_pTrackReportFunc.load(); }
+    ReportFunc ImageReportFunc() const { return m_pImageReportFunc.load(); }
+    ReportFunc FeatureReportFunc() const { return m_pFeatureReportFunc.load(); }
+    ReportFunc QRCodeReportFunc() const { return m_pQRCodeReportFunc.load(); }
 
     // Connections and the local video stream.
     int ConnectSerial(void* portName);
@@ -126,11 +128,12 @@ private:
     int MissingManagerRecord(const char* function, int line, const char* manager);
     int UploadSwitch(const char* function, int line, unsigned short tag, unsigned char value);
 
-    ReportFunc m_pRecoReportFunc;
-    ReportFunc m_pTrackReportFunc;
-    ReportFunc m_pImageReportFunc;
-    ReportFunc m_pFeatureReportFunc;
-    ReportFunc m_pQRCodeReportFunc;
+    // Stored by the application's threads, read by the listener thread for every report.
+    std::atomic<ReportFunc> m_pRecoReportFunc;
+    std::atomic<ReportFunc> m_pTrackReportFunc;
+    std::atomic<ReportFunc> m_pImageReportFunc;
+    std::atomic<ReportFunc> m_pFeatureReportFunc;
+    std::atomic<ReportFunc> m_pQRCodeReportFunc;
     CommandManager* m_pCommandManager;
     CameraManager* m_pCameraManager;
     int m_nLastWidth;

@@ -15,5 +15,5 @@ function(aicam_add_test name)
   set(work ${CMAKE_CURRENT_BINARY_DIR}/${name}.work)
   file(MAKE_DIRECTORY ${work})
   gtest_discover_tests(${name} WORKING_DIRECTORY ${work} DISCOVERY_TIMEOUT 120
-    PROPERTIES TIMEOUT 300)
+    PROPERTIES TIMEOUT 300 LABELS ${name})
 endfunction()
