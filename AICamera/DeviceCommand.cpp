@@ -16,23 +16,29 @@ void WriteSizedBytes(Message& message, const void* data, unsigned int length)
     WriteBytes(message, data, length);
 }
 
+unsigned int Remaining(Message& message)
+{
+    void* block = nullptr;
+    unsigned int length = 0;
+    message.GetData(&block, &length);
+    return length - message.GetPosition();
+}
+
 void ReadImageOutput(Message& answer, void** ppImage, unsigned int* pImageLength)
 {
-    if (answer.ReadInt(pImageLength, kLittleEndian) != 0 || *pImageLength == 0) {
-        *ppImage = nullptr;
+    *ppImage = nullptr;
+    if (answer.ReadInt(pImageLength, kLittleEndian) != 0) {
         *pImageLength = 0;
         return;
     }
-    size_t size = static_cast<size_t>(*pImageLength) + 1;
-    void* image = malloc(size);
+    // A module that claims more than it sent leaves the zeroed buffer as it is:
+    // the read is bounded by the answer, and calloc maps the untouched pages lazily.
+    void* image = *pImageLength ? calloc(static_cast<size_t>(*pImageLength) + 1, 1) : nullptr;
     if (!image) {
-        *ppImage = nullptr;
         *pImageLength = 0;
         return;
     }
-    memset(image, 0, size);
     *ppImage = image;
-    // A module that claims more than it sent leaves the buffer zeroed.
     answer.ReadData(image, *pImageLength);
 }
 

@@ -33,6 +33,9 @@ void WriteSizedBytes(Message& message, const void* data, unsigned int length);
 // Raw bytes, no length.
 void WriteBytes(Message& message, const void* data, unsigned int length);
 
+// Bytes left to read in a message.
+unsigned int Remaining(Message& message);
+
 // u32 image length and the image, into a malloc'd buffer of length + 1 zeroed
 // bytes that the caller frees; an absent or empty image yields null and 0.
 void ReadImageOutput(Message& answer, void** ppImage, unsigned int* pImageLength);

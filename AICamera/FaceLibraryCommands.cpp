@@ -160,10 +160,7 @@ int AICamera::QueryFeature(const void* pID, unsigned int nIDLength, void* pFeatu
     unsigned int featureLength = 0;
     void* feature = nullptr;
     if (answer.ReadInt(&featureLength, kLittleEndian) == 0) {
-        unsigned int available = 0;
-        void* block = nullptr;
-        answer.GetData(&block, &available);
-        available -= answer.GetPosition();
+        unsigned int available = Remaining(answer);
         unsigned int sent = featureLength < available ? featureLength : available;
         if (sent && answer.ReadData(&feature, sent) == 0)
             CopyAnswerText(pFeature, nFeatureLength, feature, sent);

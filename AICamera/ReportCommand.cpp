@@ -27,15 +27,14 @@ ReportCommand::~ReportCommand() { m_pCamera = nullptr; }
 
 int ReportCommand::Process()
 {
+    // A report without a whole first record reaches the callback empty.
     TLVMessage tlvMessage = TLVMessage();
-    int found = GetResult(&tlvMessage);
+    GetResult(&tlvMessage);
     // The slot is read for every report, so a new registration applies at once.
     ReportFunc callback = (m_pCamera->*m_pSlot)();
     if (!callback)
         return 0;
     BeforeCallback();
-    if (found != 0)
-        return 0;
     callback(static_cast<char*>(tlvMessage.pValue), static_cast<int>(tlvMessage.nLength));
     return 0;
 }

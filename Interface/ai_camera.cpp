@@ -56,6 +56,38 @@ int ReleaseDevice(void* dev, const char* function, int line)
     return 0;
 }
 
+// The two connect functions differ only in their texts and the link they open.
+struct ConnectionTexts {
+    const char* nullHandle;
+    const char* nullName;
+    const char* emptyName;
+    const char* nameInput;
+};
+
+int Connect(void* dev, const char* name, const ConnectionTexts& texts, int (AICamera::*connect)(void*),
+            const char* function, int line)
+{
+    const char* refusal = nullptr;
+    int nRet = -4;
+    if (!dev) {
+        refusal = texts.nullHandle;
+        nRet = -1;
+    } else if (!name) {
+        refusal = texts.nullName;
+    } else if (!strlen(name)) {
+        refusal = texts.emptyName;
+    }
+    if (refusal) {
+        TraceRecord(LOG_LEVER_DEBUG, TRACE_FILE, function, line,
+                    "%s\n[INPUT ] invalid input\n[OUTPUT]\n[RETURN] nRet : %d\n", refusal, nRet);
+        return nRet;
+    }
+    nRet = (Device(dev)->*connect)(const_cast<char*>(name));
+    TraceRecord(LOG_LEVER_DEBUG, TRACE_FILE, function, line, "[INPUT ] dev : %p %s : %s\n[OUTPUT]\n[RETURN] nRet : %d\n",
+                dev, texts.nameInput, name, nRet);
+    return nRet;
+}
+
 void RegisterCallback(void* dev, const char* function, int line, void (AICamera::*slot)(ReportFunc),
                       AI_CAMERA_REPORT_FUNC handler_func)
 {
@@ -130,23 +162,9 @@ int EnumDevice(char* videoDevBuf, int videoDevSize, char* serialBuf, int serialS
 
 int ConnectSerial(void* dev, const char* portName)
 {
-    const char* refusal = nullptr;
-    int nRet = -4;
-    if (!dev) {
-        refusal = "dev == nullptr";
-        nRet = -1;
-    } else if (!portName) {
-        refusal = "portName == nullptr";
-    } else if (!strlen(portName)) {
-        refusal = "!strlen(portName)";
-    }
-    if (refusal) {
-        TRACE("[ERROR ] %s\n[INPUT ] invalid input\n[OUTPUT]\n[RETURN] nRet : %d\n", refusal, nRet);
-        return nRet;
-    }
-    nRet = Device(dev)->ConnectSerial(const_cast<char*>(portName));
-    TRACE("[INPUT ] dev : %p portName : %s\n[OUTPUT]\n[RETURN] nRet : %d\n", dev, portName, nRet);
-    return nRet;
+    static const ConnectionTexts texts = {"[ERROR ] dev == nullptr", "[ERROR ] portName == nullptr",
+                                          "[ERROR ] !strlen(portName)", "portName"};
+    return Connect(dev, portName, texts, &AICamera::ConnectSerial, __func__, __LINE__);
 }
 
 int DisconnectSerial(void* dev)
@@ -160,23 +178,9 @@ int DisconnectSerial(void* dev)
 
 int ConnectCamera(void* dev, const char* mediaName)
 {
-    const char* refusal = nullptr;
-    int nRet = -4;
-    if (!dev) {
-        refusal = "[ERROR] dev == nullptr";
-        nRet = -1;
-    } else if (!mediaName) {
-        refusal = "[ERROR ] mediaName == nullptr";
-    } else if (!strlen(mediaName)) {
-        refusal = "[ERROR ] !strlen(mediaName)";
-    }
-    if (refusal) {
-        TRACE("%s\n[INPUT ] invalid input\n[OUTPUT]\n[RETURN] nRet : %d\n", refusal, nRet);
-        return nRet;
-    }
-    nRet = Device(dev)->ConnectCamera(const_cast<char*>(mediaName));
-    TRACE("[INPUT ] dev : %p mediaName : %s\n[OUTPUT]\n[RETURN] nRet : %d\n", dev, mediaName, nRet);
-    return nRet;
+    static const ConnectionTexts texts = {"[ERROR] dev == nullptr", "[ERROR ] mediaName == nullptr",
+                                          "[ERROR ] !strlen(mediaName)", "mediaName"};
+    return Connect(dev, mediaName, texts, &AICamera::ConnectCamera, __func__, __LINE__);
 }
 
 int DisconnectCamera(void* dev)
