@@ -31,8 +31,11 @@ void ReadImageOutput(Message& answer, void** ppImage, unsigned int* pImageLength
         *pImageLength = 0;
         return;
     }
-    // A module that claims more than it sent leaves the zeroed buffer as it is:
-    // the read is bounded by the answer, and calloc maps the untouched pages lazily.
+    // The module's length is believed only as far as its answer goes, so that a
+    // corrupt answer can neither make us read past it nor allocate gigabytes.
+    unsigned int available = Remaining(answer);
+    if (*pImageLength > available)
+        *pImageLength = available;
     void* image = *pImageLength ? calloc(static_cast<size_t>(*pImageLength) + 1, 1) : nullptr;
     if (!image) {
         *pImageLength = 0;

@@ -44,25 +44,13 @@ int SetText(Session& session, Arguments& args, const std::string& command)
 
 int GetCounts(Session& session, const std::string& command)
 {
-    unsigned char recognition = 0, liveness = 0;
-    if (int result = GetRecognizeCount(session.Dev(), &recognition, &liveness))
-        return Fail(command, result);
-    PrintSetting("counts", std::to_string(recognition) + " " + std::to_string(liveness) +
-                               " (recognition, liveness)");
-    return 0;
+    return GetBytePair(session, command, "counts", "recognition, liveness", GetRecognizeCount);
 }
 
 int SetCounts(Session& session, Arguments& args, const std::string& command)
 {
-    long recognition = 0, liveness = 0;
-    args.NextNumber("RECOGNITION", 1, 10, recognition);
-    args.NextNumber("LIVENESS", 1, 10, liveness);
-    if (int result = ReadySerial(session, args, command))
-        return result;
-    int result = SetRecognizeCount(session.Dev(), static_cast<unsigned char>(recognition),
-                                   static_cast<unsigned char>(liveness));
-    return SetDone(command, result,
-                   "counts set to " + std::to_string(recognition) + " " + std::to_string(liveness));
+    return SetBytePair(session, args, command, "counts", {"RECOGNITION", 1, 10}, {"LIVENESS", 1, 10},
+                       SetRecognizeCount);
 }
 
 int GetTemplate(Session& session, const std::string& command)

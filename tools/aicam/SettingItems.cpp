@@ -121,3 +121,25 @@ std::vector<Verb> SettingVerbs(const std::string& group, const std::string& what
          nullptr},
     };
 }
+
+int GetBytePair(Session& session, const std::string& command, const char* name, const char* meaning,
+                int (*get)(void* dev, unsigned char* first, unsigned char* second))
+{
+    unsigned char first = 0, second = 0;
+    if (int result = get(session.Dev(), &first, &second))
+        return Fail(command, result);
+    PrintSetting(name, std::to_string(first) + " " + std::to_string(second) + " (" + meaning + ")");
+    return 0;
+}
+
+int SetBytePair(Session& session, Arguments& args, const std::string& command, const char* name,
+                ByteArgument first, ByteArgument second, int (*set)(void* dev, unsigned char, unsigned char))
+{
+    long one = 0, two = 0;
+    args.NextNumber(first.name, first.low, first.high, one);
+    args.NextNumber(second.name, second.low, second.high, two);
+    if (int result = ReadySerial(session, args, command))
+        return result;
+    int result = set(session.Dev(), static_cast<unsigned char>(one), static_cast<unsigned char>(two));
+    return SetDone(command, result, std::string(name) + " set to " + std::to_string(one) + " " + std::to_string(two));
+}

@@ -36,4 +36,15 @@ bool NextSwitch(Arguments& args, const char* what, long& value);
 // Reports a set: "name set to value" or the failure.
 int SetDone(const std::string& command, int result, const std::string& what);
 
+// One byte argument of a setting, with its range.
+struct ByteArgument {
+    const char* name;
+    long low, high;
+};
+// Settings of two bytes read and written together ('meaning' names them).
+int GetBytePair(Session& session, const std::string& command, const char* name, const char* meaning,
+                int (*get)(void* dev, unsigned char* first, unsigned char* second));
+int SetBytePair(Session& session, Arguments& args, const std::string& command, const char* name,
+                ByteArgument first, ByteArgument second, int (*set)(void* dev, unsigned char, unsigned char));
+
 #endif

@@ -105,24 +105,13 @@ int SetRate(void* dev, char rate) { return SetFrameRate(dev, static_cast<unsigne
 
 int GetInfrared(Session& session, const std::string& command)
 {
-    unsigned char luminance = 0, closeTime = 0;
-    if (int result = GetIRlight(session.Dev(), &luminance, &closeTime))
-        return Fail(command, result);
-    PrintSetting("ir-light", std::to_string(luminance) + " " + std::to_string(closeTime) +
-                                 " (luminance, close time)");
-    return 0;
+    return GetBytePair(session, command, "ir-light", "luminance, close time", GetIRlight);
 }
 
 int SetInfrared(Session& session, Arguments& args, const std::string& command)
 {
-    long luminance = 0, closeTime = 0;
-    args.NextNumber("LUMINANCE", 0, 200, luminance);
-    args.NextNumber("CLOSE-TIME", 0, 120, closeTime);
-    if (int result = ReadySerial(session, args, command))
-        return result;
-    int result = SetIRlight(session.Dev(), static_cast<unsigned char>(luminance),
-                            static_cast<unsigned char>(closeTime));
-    return SetDone(command, result, "ir-light set");
+    return SetBytePair(session, args, command, "ir-light", {"LUMINANCE", 0, 200}, {"CLOSE-TIME", 0, 120},
+                       SetIRlight);
 }
 
 int SetUpload(Session& session, Arguments& args, const std::string& command)
