@@ -1,233 +1,239 @@
+// The logger and the trace records composed on top of it, with a clock the
+// test sets; each case runs in a scratch directory of its own.
+#include <stdio.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <fstream>
+#include <functional>
+#include <sstream>
 #include <string>
+#include <thread>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
-#include "LogScratch.h"
+#include "AICamera/Log.h"
+#include "AICamera/Trace.h"
+#include "OS/OS_Semaphore.h"
+
+#define TRACE_FILE "trace_unit"
 
 namespace {
 
-const char kStamp[] = "[20260115 10:20:30]";
-const char kDay[] = "20260115";
+const std::string kStamp = "[20260115 10:20:30]";
+const std::string kToday = "/20260115.log";
+struct timeval g_now;
 
-// The version record that Init writes for levels 0 to 2, on the console and in
-// the file alike; only its source line number is left open.
+void FixedClock(struct timeval* now) { *now = g_now; }
+
+// Makes the logger's clock read this local time, given as "YYYYMMDD HH:MM:SS".
+void SetLocalClock(const char* text)
+{
+    struct tm local = {};
+    ASSERT_NE(strptime(text, "%Y%m%d %H:%M:%S", &local), nullptr);
+    local.tm_isdst = -1;
+    g_now.tv_sec = mktime(&local);
+    g_now.tv_usec = 0;
+    Log::GetInstance()->SetClock(&FixedClock);
+}
+
+std::string ReadFile(const std::string& path)
+{
+    std::ostringstream text;
+    text << std::ifstream(path).rdbuf();
+    return text.str();
+}
+
+bool Exists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
+
+std::string Console(const std::function<void()>& body)
+{
+    testing::internal::CaptureStdout();
+    body();
+    return testing::internal::GetCapturedStdout();
+}
+
+// The version record Init writes for levels 0 to 2; only its line number is left open.
 bool IsVersionRecord(const std::string& text)
 {
-    const std::string head = "[20260115 10:20:30][INFO ] [FILE : Log][FUNCTION : Init][LINE : ";
+    const std::string head = kStamp + "[INFO ] [FILE : Log][FUNCTION : Init][LINE : ";
     const std::string tail = "]\nSDK VERSION :V4.2.0.2\n\n";
-    if (text.size() <= head.size() + tail.size() || text.compare(0, head.size(), head) != 0 ||
-        text.compare(text.size() - tail.size(), tail.size(), tail) != 0)
+    if (text.size() <= head.size() + tail.size())
         return false;
-    std::string line = text.substr(head.size(), text.size() - head.size() - tail.size());
-    return line.find_first_not_of("0123456789") == std::string::npos;
+    size_t end = text.size() - tail.size();
+    return text.compare(0, head.size(), head) == 0 && text.compare(end, tail.size(), tail) == 0 &&
+           text.find_first_not_of("0123456789", head.size()) == end;
 }
 
-// GetLogConfig hands out the stored pair and accepts it.
-void ExpectConfig(int wantLevel, int wantTarget)
+// GetLogConfig's level and target; it must accept the pair it hands out.
+std::pair<int, int> Config()
 {
-    int level = -1;
-    int target = -1;
+    int level = -1, target = -1;
     EXPECT_EQ(Log::GetInstance()->GetLogConfig(&level, &target), 0);
-    EXPECT_EQ(level, wantLevel);
-    EXPECT_EQ(target, wantTarget);
+    return {level, target};
 }
 
-class LogTest : public LogScratch {
+class LogTest : public ::testing::Test {
 protected:
-    void SetUp() override
+    void SetUp() override { SetLocalClock("20260115 10:20:30"); }
+    // Leaves the process-wide logger off and on the wall clock for the next case.
+    void TearDown() override
     {
-        LogScratch::SetUp();
-        SetLocalClock(2026, 1, 15, 10, 20, 30);
+        log()->Init(LOG_LEVER_OFF, LOG_TARGET_CONSOLE_FILE, "", "");
+        log()->SetClock(nullptr);
     }
     static Log* log() { return Log::GetInstance(); }
-    static std::string DayFile(const std::string& dir, const std::string& suffix)
+    // Trace records go to logs/, without the version record.
+    static void TraceToFileFrom(LOG_LEVER level)
     {
-        return dir + "/" + kDay + suffix;
-    }
-    // One fatal record through the given target: what reached the console and the file.
-    static std::pair<std::string, std::string> WriteThrough(LOG_TARGET target)
-    {
-        EXPECT_EQ(log()->Init(LOG_LEVER_WARN, target, "logs", ".log"), 0);
-        std::string console = CaptureConsole([] { EXPECT_EQ(log()->Fatal("%s %d", "record", 7), 1); });
-        return std::make_pair(console, ReadFile(DayFile("logs", ".log")));
+        ASSERT_EQ(log()->Init(level, LOG_TARGET_FILE, "logs", ".log"), 0);
+        remove(("logs" + kToday).c_str());
     }
 };
 
-TEST_F(LogTest, FreshLoggerIsOffAndWritesNothing)
+TEST_F(LogTest, FreshLoggerIsOffAndLevelThreeFiltersTheLowerMethods)
 {
-    ExpectConfig(LOG_LEVER_OFF, LOG_TARGET_CONSOLE_FILE);
-    std::string console = CaptureConsole([] {
-        EXPECT_EQ(log()->Trace("t"), 0);
-        EXPECT_EQ(log()->Debug("d"), 0);
-        EXPECT_EQ(log()->Info("i"), 0);
-        EXPECT_EQ(log()->Warn("w"), 0);
-        EXPECT_EQ(log()->Error("e"), 0);
-        EXPECT_EQ(log()->Fatal("f"), 0);
-    });
-    EXPECT_EQ(console, "");
-}
-
-TEST_F(LogTest, LevelThreeFiltersTraceDebugAndInfo)
-{
+    EXPECT_EQ(Config(), std::make_pair(6, 2));
+    EXPECT_EQ(Console([] { EXPECT_EQ(log()->Fatal("f"), 0); }), "");
     ASSERT_EQ(log()->Init(LOG_LEVER_WARN, LOG_TARGET_CONSOLE, "unused", ".log"), 0);
-    std::string console = CaptureConsole([] {
+    std::string console = Console([] {
         EXPECT_EQ(log()->Trace("trace %d", 0), 0);
         EXPECT_EQ(log()->Debug("debug %d", 1), 0);
         EXPECT_EQ(log()->Info("info %d", 2), 0);
         EXPECT_EQ(log()->Warn("warn %d", 3), 1);
         EXPECT_EQ(log()->Error("error %d", 4), 1);
         EXPECT_EQ(log()->Fatal("fatal %d", 5), 1);
+        EXPECT_EQ(TraceRecord(LOG_LEVER_INFO, "f", "g", 1, "dropped\n"), 0);
     });
-    EXPECT_EQ(console, std::string(kStamp) + "warn 3\n" + kStamp + "error 4\n" + kStamp + "fatal 5\n");
+    EXPECT_EQ(console, kStamp + "warn 3\n" + kStamp + "error 4\n" + kStamp + "fatal 5\n");
     EXPECT_FALSE(Exists("unused"));
 }
 
-TEST_F(LogTest, ConsoleTargetWritesStandardOutputOnly)
+TEST_F(LogTest, EachTargetWritesWhereItSaysAndCutsAt2046Characters)
 {
-    std::pair<std::string, std::string> out = WriteThrough(LOG_TARGET_CONSOLE);
-    EXPECT_EQ(out.first, std::string(kStamp) + "record 7\n");
-    EXPECT_FALSE(Exists("logs"));
-}
-
-TEST_F(LogTest, FileTargetWritesTheDayFileOnly)
-{
-    std::pair<std::string, std::string> out = WriteThrough(LOG_TARGET_FILE);
-    EXPECT_EQ(out.first, "");
-    EXPECT_EQ(out.second, std::string(kStamp) + "record 7\n");
-}
-
-TEST_F(LogTest, ConsoleFileTargetWritesBoth)
-{
-    std::pair<std::string, std::string> out = WriteThrough(LOG_TARGET_CONSOLE_FILE);
-    EXPECT_EQ(out.first, std::string(kStamp) + "record 7\n");
-    EXPECT_EQ(out.second, std::string(kStamp) + "record 7\n");
-}
-
-TEST_F(LogTest, RecordsAreAppendedToTheDayFile)
-{
-    ASSERT_EQ(log()->Init(LOG_LEVER_WARN, LOG_TARGET_FILE, "logs", ".log"), 0);
-    EXPECT_EQ(log()->Warn("one"), 1);
-    EXPECT_EQ(log()->Error("two"), 1);
-    EXPECT_EQ(ReadFile(DayFile("logs", ".log")), std::string(kStamp) + "one\n" + kStamp + "two\n");
-}
-
-TEST_F(LogTest, LongMessageIsCutTo2046Characters)
-{
-    ASSERT_EQ(log()->Init(LOG_LEVER_WARN, LOG_TARGET_FILE, "cut", ".log"), 0);
     std::string longText(3000, 'x');
     longText[2045] = 'L';  // the last character kept
-    EXPECT_EQ(log()->Fatal("%s", longText.c_str()), 1);
-    EXPECT_EQ(ReadFile(DayFile("cut", ".log")), std::string(kStamp) + longText.substr(0, 2046) + "\n");
+    const std::string records = kStamp + "one 7\n" + kStamp + longText.substr(0, 2046) + "\n";
+    const struct { LOG_TARGET target; bool console, file; } rows[] = {
+        {LOG_TARGET_CONSOLE, true, false}, {LOG_TARGET_FILE, false, true}, {LOG_TARGET_CONSOLE_FILE, true, true}};
+    for (const auto& r : rows) {
+        SCOPED_TRACE(testing::Message() << "target " << r.target);
+        std::string dir = "t" + std::to_string(r.target);
+        ASSERT_EQ(log()->Init(LOG_LEVER_WARN, r.target, dir, ".log"), 0);
+        std::string console = Console([&] {
+            EXPECT_EQ(log()->Fatal("%s %d", "one", 7), 1);
+            EXPECT_EQ(log()->Warn("%s", longText.c_str()), 1);
+        });
+        EXPECT_EQ(console, r.console ? records : "");
+        EXPECT_EQ(ReadFile(dir + kToday), r.file ? records : "");
+    }
 }
 
-TEST_F(LogTest, InitCreatesEveryDirectoryAlongARelativePath)
+TEST_F(LogTest, InitWritesTheVersionRecordUpToInfoAndMakesTheWholePath)
 {
-    ASSERT_EQ(log()->Init(LOG_LEVER_TRACE, LOG_TARGET_FILE, "a/b/c", ".log"), 0);
-    EXPECT_TRUE(Exists("a/"));
-    EXPECT_TRUE(Exists("a/b/"));
-    EXPECT_TRUE(Exists("a/b/c/"));
-    EXPECT_TRUE(IsVersionRecord(ReadFile(DayFile("a/b/c", ".log"))));
-}
-
-TEST_F(LogTest, MakedirHandlesDoubledSlashesEmptyPathsAndFiles)
-{
+    const struct { LOG_LEVER level; LOG_TARGET target; const char* dir; bool console, file, made; } rows[] = {
+        {LOG_LEVER_OFF, LOG_TARGET_CONSOLE_FILE, "off", false, false, false},
+        {LOG_LEVER_INFO, LOG_TARGET_CONSOLE, "info", true, false, false},
+        {LOG_LEVER_TRACE, LOG_TARGET_FILE, "a/b/c", false, true, true},
+        {LOG_LEVER_DEBUG, LOG_TARGET_CONSOLE_FILE, "debug", true, true, true},
+        {LOG_LEVER_WARN, LOG_TARGET_CONSOLE_FILE, "warn", false, false, true}};
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.dir);
+        std::string console = Console([&] { EXPECT_EQ(log()->Init(r.level, r.target, r.dir, ".log"), 0); });
+        EXPECT_EQ(Config(), (std::pair<int, int>(r.level, r.target)));
+        EXPECT_TRUE(r.console ? IsVersionRecord(console) : console.empty()) << console;
+        EXPECT_EQ(IsVersionRecord(ReadFile(r.dir + kToday)), r.file);
+        EXPECT_EQ(Exists(std::string(r.dir) + "/"), r.made);
+    }
     EXPECT_TRUE(log()->Makedir("x//y"));
     EXPECT_TRUE(Exists("x/y/"));
-    EXPECT_TRUE(log()->Makedir(""));
     EXPECT_TRUE(log()->Makedir("x/y"));  // already there
-    ASSERT_TRUE(log()->Makedir("plain"));
-    ASSERT_EQ(rmdir("plain"), 0);
     { std::ofstream file("plain"); }
     EXPECT_FALSE(log()->Makedir("plain/sub"));
+}
+
+TEST_F(LogTest, RefusedInitStillReplacesTheSuffix)
+{
+    const struct { LOG_LEVER level; LOG_TARGET target; int code; std::string suffix; } rows[] = {
+        {static_cast<LOG_LEVER>(7), LOG_TARGET_CONSOLE, -1, ".bad"},
+        {LOG_LEVER_TRACE, static_cast<LOG_TARGET>(3), -2, ".worse"}};
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.suffix);
+        std::string dir = "q" + r.suffix;
+        ASSERT_EQ(log()->Init(LOG_LEVER_WARN, LOG_TARGET_FILE, dir, ".log"), 0);
+        EXPECT_EQ(log()->Init(r.level, r.target, "other", r.suffix), r.code);
+        EXPECT_EQ(Config(), (std::pair<int, int>(LOG_LEVER_WARN, LOG_TARGET_FILE)));
+        EXPECT_EQ(log()->Warn("kept"), 1);
+        EXPECT_EQ(ReadFile(dir + "/20260115" + r.suffix), kStamp + "kept\n");
+        EXPECT_FALSE(Exists(dir + kToday));
+        EXPECT_FALSE(Exists("other"));
+    }
 }
 
 TEST_F(LogTest, RecordsBeforeAndAfterMidnightGoToTwoFiles)
 {
     ASSERT_EQ(log()->Init(LOG_LEVER_WARN, LOG_TARGET_FILE, "days", ".log"), 0);
-    SetLocalClock(2026, 1, 14, 23, 59, 59);
+    SetLocalClock("20260114 23:59:59");
     EXPECT_EQ(log()->Warn("before"), 1);
-    SetLocalClock(2026, 1, 15, 0, 0, 0);
+    SetLocalClock("20260115 00:00:00");
     EXPECT_EQ(log()->Warn("after"), 1);
     EXPECT_EQ(ReadFile("days/20260114.log"), "[20260114 23:59:59]before\n");
     EXPECT_EQ(ReadFile("days/20260115.log"), "[20260115 00:00:00]after\n");
 }
 
-TEST_F(LogTest, DateAndTimeTextsArePaddedToTwoDigits)
+TEST_F(LogTest, TraceRecordIsHeaderBodyAndEmptyLineWithEachLevelsTag)
 {
-    SetLocalClock(2026, 2, 5, 3, 4, 9);
-    EXPECT_EQ(log()->GetCurrDate(), "20260205");
-    EXPECT_EQ(log()->GetCurrTime(), "03:04:09");
-    SetLocalClock(2026, 12, 31, 23, 59, 58);
-    EXPECT_EQ(log()->GetCurrDate(), "20261231");
-    EXPECT_EQ(log()->GetCurrTime(), "23:59:58");
+    TraceToFileFrom(LOG_LEVER_TRACE);
+    EXPECT_EQ(TraceRecord(LOG_LEVER_DEBUG, "DeviceUnit", "Reboot", 3589, "[ERROR] mode %d\n[RETURN] %d\n", 5, -4), 1);
+    for (LOG_LEVER level : {LOG_LEVER_TRACE, LOG_LEVER_INFO, LOG_LEVER_WARN, LOG_LEVER_ERROR, LOG_LEVER_FATAL})
+        EXPECT_EQ(TraceRecord(level, "f", "g", 1, "%d\n", static_cast<int>(level)), 1);
+    int line = __LINE__ + 1;
+    EXPECT_EQ(TRACE_AT(LOG_LEVER_DEBUG, "[INPUT ] id = %s\n", "abc"), 1);
+    const std::string at = "[FILE : f][FUNCTION : g][LINE : 1]\n";
+    EXPECT_EQ(ReadFile("logs" + kToday),
+              kStamp + "[DEBUG] [FILE : DeviceUnit][FUNCTION : Reboot][LINE : 3589]\n[ERROR] mode 5\n[RETURN] -4\n\n" +
+                  kStamp + "[TRACE] " + at + "0\n\n" + kStamp + "[INFO ] " + at + "2\n\n" + kStamp + at + "3\n\n" +
+                  kStamp + "[ERROR] " + at + "4\n\n" + kStamp + "[FATAL] " + at + "5\n\n" + kStamp +
+                  "[DEBUG] [FILE : trace_unit][FUNCTION : TestBody][LINE : " + std::to_string(line) +
+                  "]\n[INPUT ] id = abc\n\n");
 }
 
-// A refused Init keeps level, target and directory but has already replaced the suffix.
-void ExpectRefusedInitOnlyReplacesTheSuffix(LOG_LEVER level, LOG_TARGET target, int code,
-                                            const std::string& suffix)
+TEST_F(LogTest, TraceRecordsFromManyThreadsStayWhole)
 {
-    Log* log = Log::GetInstance();
-    ASSERT_EQ(log->Init(LOG_LEVER_WARN, LOG_TARGET_FILE, "q", ".log"), 0);
-    EXPECT_EQ(log->Init(level, target, "other", suffix), code);
-    ExpectConfig(LOG_LEVER_WARN, LOG_TARGET_FILE);
-    EXPECT_EQ(log->Warn("kept"), 1);
-    EXPECT_EQ(LogScratch::ReadFile(std::string("q/") + kDay + suffix), std::string(kStamp) + "kept\n");
-    EXPECT_FALSE(LogScratch::Exists(std::string("q/") + kDay + ".log"));
-    EXPECT_FALSE(LogScratch::Exists("other"));
-}
-
-TEST_F(LogTest, RefusedLevelStillReplacesTheSuffix)
-{
-    ExpectRefusedInitOnlyReplacesTheSuffix(static_cast<LOG_LEVER>(7), LOG_TARGET_CONSOLE, -1, ".bad");
-}
-
-TEST_F(LogTest, RefusedTargetStillReplacesTheSuffix)
-{
-    ExpectRefusedInitOnlyReplacesTheSuffix(LOG_LEVER_TRACE, static_cast<LOG_TARGET>(3), -2, ".worse");
-}
-
-TEST_F(LogTest, InitOffWritesNoVersionAndCreatesNoDirectory)
-{
-    std::string console = CaptureConsole(
-        [] { EXPECT_EQ(log()->Init(LOG_LEVER_OFF, LOG_TARGET_CONSOLE_FILE, "never", ".log"), 0); });
-    EXPECT_EQ(console, "");
-    EXPECT_FALSE(Exists("never"));
-    EXPECT_EQ(log()->Fatal("off"), 0);
-}
-
-TEST_F(LogTest, InitInfoToConsolePrintsTheVersionRecordOnly)
-{
-    std::string console = CaptureConsole(
-        [] { EXPECT_EQ(log()->Init(LOG_LEVER_INFO, LOG_TARGET_CONSOLE, "consoleonly", ".log"), 0); });
-    EXPECT_TRUE(IsVersionRecord(console)) << console;
-    EXPECT_FALSE(Exists("consoleonly"));
-}
-
-TEST_F(LogTest, InitToBothTargetsWritesTheVersionRecordTwice)
-{
-    std::string console = CaptureConsole(
-        [] { EXPECT_EQ(log()->Init(LOG_LEVER_DEBUG, LOG_TARGET_CONSOLE_FILE, "Log", ".log"), 0); });
-    EXPECT_TRUE(IsVersionRecord(console)) << console;
-    EXPECT_TRUE(IsVersionRecord(ReadFile(DayFile("Log", ".log"))));
-}
-
-TEST_F(LogTest, InitAboveInfoCreatesTheDirectoryButWritesNoVersion)
-{
-    std::string console = CaptureConsole(
-        [] { EXPECT_EQ(log()->Init(LOG_LEVER_WARN, LOG_TARGET_CONSOLE_FILE, "quiet", ".log"), 0); });
-    EXPECT_EQ(console, "");
-    EXPECT_TRUE(Exists("quiet/"));
-    EXPECT_FALSE(Exists(DayFile("quiet", ".log")));
-}
-
-TEST_F(LogTest, GetLogConfigReportsWhatInitStored)
-{
-    ASSERT_EQ(log()->Init(LOG_LEVER_ERROR, LOG_TARGET_FILE, "cfg", ".log"), 0);
-    ExpectConfig(LOG_LEVER_ERROR, LOG_TARGET_FILE);
+    TraceToFileFrom(LOG_LEVER_DEBUG);
+    const int kThreads = 6, kRecords = 200;
+    // Long bodies and a common start make unserialised writers overlap.
+    const std::string padding(600, '.');
+    auto record = [&](int t, int r) {
+        return kStamp + "[DEBUG] [FILE : f][FUNCTION : g][LINE : " + std::to_string(t) + "]\n" + std::to_string(r) +
+               padding + "\n\n";
+    };
+    OS_Semaphore start;
+    ASSERT_EQ(start.Init(0), 0);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([t, &start, &padding] {
+            start.Wait(10000);
+            for (int r = 0; r < kRecords; ++r)
+                TraceRecord(LOG_LEVER_DEBUG, "f", "g", t, "%d%s\n", r, padding.c_str());
+        });
+    for (int t = 0; t < kThreads; ++t)
+        start.Post();
+    for (std::thread& thread : threads)
+        thread.join();
+    std::string text = ReadFile("logs" + kToday);
+    size_t total = 0;
+    for (int t = 0; t < kThreads; ++t) {
+        for (int r = 0; r < kRecords; ++r) {
+            ASSERT_NE(text.find(record(t, r)), std::string::npos) << record(t, r);
+            total += record(t, r).size();
+        }
+    }
+    EXPECT_EQ(text.size(), total);
+    ASSERT_TRUE(_mtx.TryAcquire());  // the record lock is left free
+    _mtx.Unlock();
 }
 
 }  // namespace

@@ -1,9 +1,6 @@
-# Shared by the end-to-end tests of aicam: each test sources this file with
-#   AICAM=path/to/aicam AICAM_SIM=path/to/aicam-sim
-# and gets a scratch directory, a simulator on a pseudo-terminal linked as
-# $PORT, the tool's runs captured, and checks that stop the test on failure.
+# Sourced by the end-to-end tests, run as test_X.sh AICAM AICAM-SIM [BUILD-DIR SOURCE-DIR]:
+# a scratch directory, a simulator linked as $PORT, captured runs, and checks.
 set -euo pipefail
-
 AICAM=${1:?usage: $0 AICAM AICAM-SIM}
 AICAM_SIM=${2:?usage: $0 AICAM AICAM-SIM}
 SCRATCH=$(mktemp -d)
@@ -13,18 +10,10 @@ SIM_PID=
 FAILURES=0
 
 stop_sim() {
-  if [ -n "$SIM_PID" ]; then
-    kill -TERM "$SIM_PID" 2>/dev/null || true
-    wait "$SIM_PID" 2>/dev/null || true
-    SIM_PID=
-  fi
+  [ -z "$SIM_PID" ] || { kill -TERM "$SIM_PID" 2>/dev/null; wait "$SIM_PID" 2>/dev/null; } || true
+  SIM_PID=
 }
-
-cleanup() {
-  stop_sim
-  rm -rf "$SCRATCH"
-}
-trap cleanup EXIT
+trap 'stop_sim; rm -rf "$SCRATCH"' EXIT
 
 # start_sim [aicam-sim options...]: the module, ready once its link exists.
 start_sim() {
@@ -32,16 +21,13 @@ start_sim() {
   rm -f "$PORT"
   "$AICAM_SIM" --link "$PORT" "$@" >"$SCRATCH/sim.out" 2>"$SCRATCH/sim.err" &
   SIM_PID=$!
-  local waited=0
-  until [ -e "$PORT" ]; do
-    if ! kill -0 "$SIM_PID" 2>/dev/null || [ $waited -ge 200 ]; then
-      echo "FAIL: aicam-sim did not start:" >&2
-      cat "$SCRATCH/sim.err" >&2
-      exit 1
-    fi
-    sleep 0.05
-    waited=$((waited + 1))
+  for _ in $(seq 200); do
+    [ -e "$PORT" ] && return 0
+    kill -0 "$SIM_PID" 2>/dev/null || break
+    sleep 0.05   # polling for the link, up to 10 s
   done
+  echo "FAIL: aicam-sim did not start: $(cat "$SCRATCH/sim.err")" >&2
+  exit 1
 }
 
 # run PROGRAM ARGS...: sets RC (exit status), OUT and ERR.
@@ -51,44 +37,35 @@ run() {
   OUT=$(cat "$SCRATCH/out")
   ERR=$(cat "$SCRATCH/err")
 }
-
-# run_aicam ARGS...: runs the tool on $PORT.
 run_aicam() { run "$AICAM" --port "$PORT" "$@"; }
 
 fail() {
-  echo "FAIL: $*" >&2
-  echo "  exit status: ${RC:-}" >&2
+  printf 'FAIL: %s\n  exit status: %s\n' "$*" "${RC:-}" >&2
   head -n 20 <<<"  stdout: ${OUT:-}" >&2
   head -n 20 <<<"  stderr: ${ERR:-}" >&2
   FAILURES=$((FAILURES + 1))
 }
-
-expect_rc() {
-  [ "$RC" -eq "$1" ] || fail "${2:-} expected exit status $1, got $RC"
-}
-
-# expect_out TEXT [what]: stdout has a line equal to TEXT.
-expect_out_line() {
-  grep -qxF -- "$1" <<<"$OUT" || fail "${2:-} expected the line '$1' on stdout"
-}
-
-expect_out_has() {
-  grep -qF -- "$1" <<<"$OUT" || fail "${2:-} expected '$1' on stdout"
-}
-
-# expect_one_error_line TEXT: a failure says exactly one line, containing TEXT.
+expect_rc() { [ "$RC" -eq "$1" ] || fail "${2:-} expected exit status $1, got $RC"; }
+expect_out_line() { grep -qxF -- "$1" <<<"$OUT" || fail "${2:-} expected the line '$1' on stdout"; }
+expect_out_has() { grep -qF -- "$1" <<<"$OUT" || fail "${2:-} expected '$1' on stdout"; }
+# A failure says exactly one line, "aicam: ..." holding TEXT.
 expect_one_error_line() {
-  local lines
-  lines=$(grep -c '' <<<"$ERR" || true)
-  [ "$lines" -eq 1 ] || fail "expected one line on stderr, got $lines"
-  grep -qF -- "$1" <<<"$ERR" || fail "expected '$1' on stderr"
-  [[ "$ERR" == aicam:* ]] || fail "the failure line should start with 'aicam:'"
+  [ "$(grep -c '' <<<"$ERR")" -eq 1 ] && [[ "$ERR" == aicam:* ]] && grep -qF -- "$1" <<<"$ERR" ||
+    fail "expected one line 'aicam: ...$1...' on stderr"
+}
+
+# t RC TEXT ARGS...: runs the tool on $PORT and expects exit status RC; a
+# non-empty TEXT must be on stdout after a success, or be in the one error line.
+t() {
+  local rc=$1 text=$2
+  shift 2
+  run_aicam "$@"
+  expect_rc "$rc" "aicam $*:"
+  [ -z "$text" ] && return 0
+  if [ "$rc" -eq 0 ]; then expect_out_has "$text" "aicam $*:"; else expect_one_error_line "$text"; fi
 }
 
 finish() {
-  if [ "$FAILURES" -ne 0 ]; then
-    echo "$FAILURES check(s) failed" >&2
-    exit 1
-  fi
+  [ "$FAILURES" -eq 0 ] || { echo "$FAILURES check(s) failed" >&2; exit 1; }
   echo "all checks passed"
 }

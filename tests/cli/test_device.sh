@@ -1,48 +1,53 @@
-#!/usr/bin/env bash
-# info, ping, the maintenance commands, and the one-line failures of a
-# missing port and of a module that does not answer.
+# info, list, ping, maintenance, help, command-line mistakes, one-line failures, aicam-sim options.
 source "$(dirname "$0")/cli_helpers.sh"
 
-start_sim --reboot-quiet 0
-
-run_aicam info
-expect_rc 0 "info:"
-for label in "firmware version:" "model:" "application version:" "serial number:" "temperature:" "sensor model:"; do
-  grep -q "^$label  *[^ ]" <<<"$OUT" || fail "info: no value after '$label'"
+for command in "" list info ping reboot reset engineering recovery faces "faces add" "faces add-image" \
+               "faces add-feature" "faces delete" "faces list" "faces count" "faces query" "faces feature" \
+               recognize config "config get" "config set" settings "settings get" "settings set" upgrade snapshot; do
+  run "$AICAM" $command --help
+  expect_rc 0 "'$command --help':"
+  grep -q "^usage: aicam .*${command}" <<<"$OUT" && [ -z "$ERR" ] || fail "'$command --help' prints its usage alone"
 done
-expect_out_has "SIM-FW" "info: the simulator's firmware version"
-run_aicam info --sn-mode 1
-expect_rc 0 "info --sn-mode 1:"
-serial1=$(sed -n 's/^serial number: *//p' <<<"$OUT")
-run_aicam info --sn-mode 0
-serial0=$(sed -n 's/^serial number: *//p' <<<"$OUT")
-[ -n "$serial0" ] && [ "$serial0" != "$serial1" ] || fail "info: the two kinds of serial number should differ"
-
-run_aicam list
-expect_rc 0 "list:"
-[ "$(grep -cvE '^(serial|video): ' <<<"$OUT")" -eq 0 ] || fail "list prints only serial and video lines"
-grep -qE '^serial: ' <<<"$OUT" && grep -qE '^video: ' <<<"$OUT" || fail "list names both kinds of node"
-
-run_aicam ping "hello module"
-expect_rc 0 "ping:"
-expect_out_has 'the module echoed "hello module"' "ping:"
-
-run_aicam reboot 3
-expect_rc 0 "reboot 3:"
-run_aicam reboot 5
-expect_rc 4 "reboot 5:"
-expect_one_error_line "MODE must be a whole number from 0 to 4"
-run_aicam recovery 0
-expect_rc 0 "recovery 0:"
-
+t 4 "unknown command 'frobnicate'" frobnicate
+t 4 "aicam: faces add: missing ID; see 'aicam faces add --help' (-4)" faces add
+t 4 "unexpected 'b'" ping a b
+t 4 "--log takes trace, debug" --log loud info
 run "$AICAM" --port "$SCRATCH/no-such-port" ping
 expect_rc 2 "a missing port:"
 expect_one_error_line "the serial port could not be opened: $SCRATCH/no-such-port (-2)"
 
+start_sim --reboot-quiet 0 --library "$SCRATCH/faces.txt"
+t 0 "SIM-FW" info
+for label in "firmware version:" "model:" "application version:" "serial number:" "temperature:" "sensor model:"; do
+  grep -q "^$label  *[^ ]" <<<"$OUT" || fail "info: no value after '$label'"
+done
+t 0 "" info --sn-mode 1
+serial1=$(sed -n 's/^serial number: *//p' <<<"$OUT")
+t 0 "" info --sn-mode 0
+serial0=$(sed -n 's/^serial number: *//p' <<<"$OUT")
+[ -n "$serial0" ] && [ "$serial0" != "$serial1" ] || fail "info: the two kinds of serial number should differ"
+t 0 "" list
+grep -qE '^serial: ' <<<"$OUT" && grep -qE '^video: ' <<<"$OUT" && [ "$(grep -cvE '^(serial|video): ' <<<"$OUT")" -eq 0 ] ||
+  fail "list prints serial and video lines only"
+t 0 'the module echoed "hello module"' ping "hello module"
+t 0 "" reboot 3
+t 4 "MODE must be a whole number from 0 to 4" reboot 5
+t 0 "" recovery 0
+t 0 "enrolled alice" faces add alice
+(cd "$SCRATCH" && "$AICAM" --log debug --port "$PORT" ping >/dev/null 2>&1)
+grep -q "FUNCTION : Ping" "$SCRATCH"/Log/*.log || fail "--log debug records the Ping call under Log/"
+
+# The simulator removes its link at exit and keeps its library for the next run.
+stop_sim
+[ ! -e "$PORT" ] || fail "aicam-sim left its link behind"
+start_sim --library "$SCRATCH/faces.txt" --unplug-after 2
+t 0 "alice is enrolled" faces query alice
+t 0 "" ping
+t 2 "the serial port could not be opened" ping   # the module hung up
+run "$AICAM_SIM" --fps 0
+[ "$RC" -eq 2 ] && [ -z "$OUT" ] || fail "aicam-sim --fps 0: exit status 2 and nothing on stdout, got $RC"
+
 # The module swallows the next request: the library gives up after 10 s.
 start_sim --drop 1
-run_aicam ping
-expect_rc 6 "no answer:"
-expect_one_error_line "aicam: ping: the module did not answer within 10 s (-6)"
-
+t 6 "aicam: ping: the module did not answer within 10 s (-6)" ping
 finish

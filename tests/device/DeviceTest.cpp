@@ -1,6 +1,7 @@
 #include "DeviceTest.h"
 
 #include <stdio.h>
+#include <stdlib.h>
 
 sim::Bytes Le32(uint32_t value)
 {
@@ -23,24 +24,35 @@ std::string Ptr(const void* p)
     return text;
 }
 
-NewRecords::NewRecords() : m_before(TraceLog::Read().size()) {}
-
 std::vector<TraceEntry> NewRecords::Take() const
 {
     std::vector<TraceEntry> all = TraceLog::Read();
-    if (all.size() < m_before)
-        return {};
-    return std::vector<TraceEntry>(all.begin() + static_cast<std::ptrdiff_t>(m_before), all.end());
+    return all.size() < m_before ? std::vector<TraceEntry>() : std::vector<TraceEntry>(all.begin() + m_before, all.end());
 }
 
-std::string NewRecords::Only(const std::string& function) const
+void DeviceTest::Check(const std::vector<Row>& rows)
 {
-    std::vector<TraceEntry> added = Take();
-    EXPECT_EQ(1u, added.size()) << "records written by the call to " << function;
-    if (added.empty())
-        return std::string();
-    EXPECT_EQ(function, added.back().function);
-    return added.back().body;
+    for (size_t i = 0; i < rows.size(); ++i) {
+        const Row& row = rows[i];
+        SCOPED_TRACE("row " + std::to_string(i) + ": " + row.function);
+        if (row.tag)
+            Answer(row.tag, row.answer);
+        size_t sent = sim.Requests().size();
+        NewRecords records;
+        EXPECT_EQ(row.result, row.call());
+        std::string bodies;
+        std::vector<TraceEntry> added = records.Take();
+        for (const TraceEntry& entry : added) {
+            EXPECT_EQ(row.function, entry.function);
+            bodies += entry.body;
+        }
+        EXPECT_EQ(row.count, added.size());
+        EXPECT_EQ(row.records, bodies);
+        if (row.tag)
+            EXPECT_EQ(row.request, LastRequest(row.tag));
+        else
+            EXPECT_EQ(sent, sim.Requests().size()) << "sent a request";
+    }
 }
 
 void DeviceTest::AnswerPayload(uint16_t tag, const sim::Bytes& payload)
@@ -52,10 +64,60 @@ void DeviceTest::AnswerPayload(uint16_t tag, const sim::Bytes& payload)
     });
 }
 
-void DeviceTest::ExpectRefusal(const char* function, const std::string& text, const char* output,
-                               const std::function<int()>& call)
+const char kCommandId[] = "alice";
+
+namespace {
+const char kBytes[] = "data";
+char buffer[16];
+void* image;
+unsigned int length;
+
+int FreeImage(int result)
 {
-    NewRecords records;
-    EXPECT_EQ(-4, call()) << function << ": " << text;
-    EXPECT_EQ(Refused(text) + Input(" invalid input") + output + "[RETURN] nRet : -4\n", records.Only(function));
+    free(image);
+    image = nullptr;
+    return result;
+}
+}  // namespace
+
+const std::vector<Command>& Commands()
+{
+    static const std::string feature(1384, 'f');
+    const char* kId = kCommandId;
+    const std::string id = " pID : " + Ptr(kId) + " nIDLength : 5", data = Ptr(kBytes), out = " invalid output";
+    const std::string slice = " nImageTotalLength : 8 nPosition : 0 isLastSlice : 0 pSliceData : " + data;
+    static const std::vector<Command> commands = {
+        {"AddFace", [](void* d) { return AddFace(d, kCommandId, 5); }, id, ""},
+        {"AddFaceByImage", [](void* d) { return AddFaceByImage(d, kCommandId, 5, kBytes, 4); },
+         id + " pImage : " + data + " nImageLength : 4", ""},
+        {"AddFaceReturnImage",
+         [](void* d) { return FreeImage(AddFaceReturnImage(d, kCommandId, 5, &image, &length)); }, id, out},
+        {"AddFaceSlice", [](void* d) { return AddFaceSlice(d, kCommandId, 5, 8, 0, 0, kBytes, 4); },
+         id + slice + " nSliceDataLength :4", ""},
+        {"DeleteFace", [](void* d) { return DeleteFace(d, 1, kCommandId, 5); }, " nMode : 1" + id, ""},
+        {"QueryFace", [](void* d) { return QueryFace(d, kCommandId, 5, 0); }, id + " nMode : 0 ", ""},
+        {"AddFeature", [](void* d) { return AddFeature(d, kCommandId, 5, feature.c_str(), 1384); },
+         id + " pFeature : " + Ptr(feature.c_str()) + " nFeatureLength : 1384", ""},
+        {"GetDeviceFaceID", [](void* d) { return GetDeviceFaceID(d, buffer, 16); }, " nIDListLength : 16", out},
+        {"GetDeviceFaceLibraryNum", [](void* d) { return GetDeviceFaceLibraryNum(d, &length); }, "", out},
+        {"StartOnetoNumRecognize", [](void* d) { return StartOnetoNumRecognize(d, 0, 1); },
+         " nRecMode : 0 nMulMode : 1", ""},
+        {"StartOnetoOneRecognize", [](void* d) { return StartOnetoOneRecognize(d, 1, 1, kBytes, 4); },
+         " nRecMode : 1 nMulMode : 1 pImage : " + data + " nImageLength : 4", ""},
+        {"StartOnetoOneRecognizeSlice",
+         [](void* d) { return StartOnetoOneRecognizeSlice(d, 1, 0, 8, 0, 0, kBytes, 4); },
+         " nRecMode : 1 nMulMode : 0" + slice + " nSliceDataLength : 4", ""},
+        {"ResumeRecognize", ResumeRecognize, "", ""},
+        {"PauseRecognize", PauseRecognize, "", ""},
+        {"QueryRecognize", QueryRecognize, "", ""},
+        {"GetSingleRecognize", [](void* d) { return GetSingleRecognize(d, buffer, 16); }, " nDataLength : 16", out},
+        {"StaticFaceCompare", [](void* d) { return FreeImage(StaticFaceCompare(d, &image, &length)); }, "", out},
+        {"StaticFaceCompareReturnImage",
+         [](void* d) { return FreeImage(StaticFaceCompareReturnImage(d, kBytes, 4, &image, &length)); },
+         " pImage : " + data + " nImageLength : 4", out},
+        {"StaticFaceCompareSlice",
+         [](void* d) { return FreeImage(StaticFaceCompareSlice(d, 0, 8, 0, 0, kBytes, 4, &image, &length)); },
+         " nMode : 0" + slice + " nSliceDataLength : 4", out},
+    };
+    return commands;
 }

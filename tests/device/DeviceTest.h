@@ -1,9 +1,7 @@
-// Shared pieces of the device tests: byte builders, the trace records one call
-// writes, and a simulated device with a few more ways for the module to answer.
+// Shared pieces of the device tests: byte builders, the records a call writes,
+// and a walker for tables of calls against the simulated module.
 #ifndef TESTS_DEVICE_DEVICE_TEST_H
 #define TESTS_DEVICE_DEVICE_TEST_H
-
-#include <stdint.h>
 
 #include <functional>
 #include <initializer_list>
@@ -12,41 +10,57 @@
 
 #include "SimulatedDevice.h"
 
-// A 32-bit little-endian field.
 sim::Bytes Le32(uint32_t value);
-// The pieces one after the other.
 sim::Bytes Cat(std::initializer_list<sim::Bytes> pieces);
 // A pointer as the records print it ("(nil)" for null).
 std::string Ptr(const void* p);
 
-// The trace records written between its construction and Take().
+// A command of this interface called with valid arguments, the inputs of its
+// records after "dev : %p", and its output line after "[OUTPUT]"; images it
+// hands out are freed.
+struct Command {
+    const char* function;
+    int (*call)(void* dev);
+    std::string inputs, output;
+};
+const std::vector<Command>& Commands();
+extern const char kCommandId[];  // "alice", the identifier the commands pass
+
+// The trace records written since construction.
 class NewRecords {
 public:
-    NewRecords();
-    // Every record written since construction.
+    NewRecords() : m_before(TraceLog::Read().size()) {}
     std::vector<TraceEntry> Take() const;
-    // Expects exactly one new record, written by `function`, and returns its body.
-    std::string Only(const std::string& function) const;
 
 private:
     size_t m_before;
 };
 
+// One call and what it must give: its result, and the bodies of the `count`
+// records it writes, all under `function`. With a tag, the module first
+// answers that tag with `answer` and must receive `request`; without one, the
+// call must send nothing.
+struct Row {
+    std::string function;
+    std::function<int()> call;
+    int result;
+    std::string records;
+    uint16_t tag = 0;
+    sim::Bytes answer = {};
+    sim::Bytes request = {};
+    size_t count = 1;
+};
+
 class DeviceTest : public SimulatedDevice {
 protected:
-    // The module answers requests with this tag with a payload of its own making
-    // (not wrapped into a record), for answers without a usable record.
+    void Check(const std::vector<Row>& rows);
+    // The module answers this tag with a payload of its own making, not wrapped into a record.
     void AnswerPayload(uint16_t tag, const sim::Bytes& payload);
-    // The module answers with the status byte alone.
-    void AnswerStatus(uint16_t tag, uint8_t status) { Answer(tag, {status}); }
-    // The first line of the record of a refused argument: "[ERROR] text\n".
-    static std::string Refused(const std::string& text) { return "[ERROR] " + text + "\n"; }
-    // "[INPUT ] dev : 0x..." followed by `inputs`.
-    std::string Input(const std::string& inputs) const { return "[INPUT ] " + DevText() + inputs + "\n"; }
-    // Expects `call` to be refused with -4 and one record of `function` naming
-    // `text`, with " invalid input" and the output line `output`.
-    void ExpectRefusal(const char* function, const std::string& text, const char* output,
-                       const std::function<int()>& call);
+    // The record DeleteFace's exported function writes before every call.
+    static std::string DeleteFaceNote(const void* id)
+    {
+        return "[ERROR] pID = " + Ptr(id) + "\n[INPUT ] invalid input\n[OUTPUT]\n[RETURN] nRet : 0\n";
+    }
 };
 
 #endif

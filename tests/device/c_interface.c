@@ -8,25 +8,24 @@
 
 #include "ai_camera.h"
 #include "ai_camera_ext.h"
-#include "c_interface.h"
 
-void CEnumValues(int values[C_ENUM_VALUE_COUNT])
+void CEnumValues(int values[9]);
+void CHandleResults(void* dev, int results[8]);
+int CEnrolAndCopyImage(void* dev, unsigned char* copy, unsigned int capacity, unsigned int* length);
+void CRegisterReco(void* dev, void (*callback)(char* data, int len));
+
+void CEnumValues(int values[9])
 {
     LOG_LEVER trace = LOG_LEVER_TRACE;
     LOG_TARGET both = LOG_TARGET_CONSOLE_FILE;
     AI_CAMERA_TYPE type = AI_CAMERA_TYPE_V2;
-    values[0] = trace;
-    values[1] = LOG_LEVER_DEBUG;
-    values[2] = LOG_LEVER_OFF;
-    values[3] = LOG_TARGET_CONSOLE;
-    values[4] = LOG_TARGET_FILE;
-    values[5] = both;
-    values[6] = AI_CAMERA_TYPE_V1;
-    values[7] = type;
-    values[8] = AI_CAMERA_TYPE_V3;
+    int all[9] = {trace, LOG_LEVER_DEBUG, LOG_LEVER_OFF, LOG_TARGET_CONSOLE, LOG_TARGET_FILE, both,
+                  AI_CAMERA_TYPE_V1, type, AI_CAMERA_TYPE_V3};
+    memcpy(values, all, sizeof all);
 }
 
-void CNullHandleResults(int results[C_NULL_HANDLE_COUNT])
+/* Six calls with a null handle, then the playback extension refusing a null and an empty path. */
+void CHandleResults(void* dev, int results[8])
 {
     char list[8];
     results[0] = DeInit(NULL);
@@ -35,21 +34,17 @@ void CNullHandleResults(int results[C_NULL_HANDLE_COUNT])
     results[3] = AddFace(NULL, "a", 1);
     results[4] = GetDeviceFaceID(NULL, list, sizeof list);
     results[5] = ConnectCameraPlayback(NULL, "clip.mjpeg");
+    results[6] = ConnectCameraPlayback(dev, NULL);
+    results[7] = ConnectCameraPlayback(dev, "");
 }
 
-void CPlaybackRefusals(void* dev, int results[2])
-{
-    results[0] = ConnectCameraPlayback(dev, NULL);
-    results[1] = ConnectCameraPlayback(dev, "");
-}
-
+/* Copies the image with its trailing zero, up to `capacity` bytes, and frees the library's buffer. */
 int CEnrolAndCopyImage(void* dev, unsigned char* copy, unsigned int capacity, unsigned int* length)
 {
     void* image = NULL;
     int result = AddFaceReturnImage(dev, "carol", 5, &image, length);
     if (image) {
-        unsigned int n = *length + 1 < capacity ? *length + 1 : capacity;
-        memcpy(copy, image, n);
+        memcpy(copy, image, *length + 1 < capacity ? *length + 1 : capacity);
         free(image);
     }
     return result;

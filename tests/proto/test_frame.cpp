@@ -1,112 +1,156 @@
-// Frame format and checksum, and the executor's checks on received frames.
-#include <string.h>
+// Frames and their checksum, the executor's checks on received frames, and
+// how the transceiver cuts the module's byte stream into frames.
+#include <stdint.h>
+
+#include <algorithm>
 
 #include "ProtoFixture.h"
 
 namespace {
-Bytes Frame(const Bytes& payload) { return sim::ModuleSimulator::EncodeFrame(0xA1, payload); }
+using sim::ModuleSimulator;
 
-int Process(CommandExecutor& executor, Bytes frame)
+Bytes operator+(Bytes a, const Bytes& b)
 {
-    return executor.Process(frame.data(), static_cast<unsigned int>(frame.size()));
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
+Bytes Slice(const Bytes& bytes, size_t from, size_t to = SIZE_MAX)
+{
+    return Bytes(bytes.begin() + from, bytes.begin() + std::min(to, bytes.size()));
 }
 }  // namespace
 
-TEST(Checksum, MatchesTheCatalogueCheckValueOnBothSides)
+TEST(Checksum, MatchesTheCheckValueAndTheSimulatorsOwnCrc)
 {
     unsigned char digits[] = "123456789";
     EXPECT_EQ(0x340BC6D9u, CommandExecutor::GetCheckSums(digits, 9));
-    EXPECT_EQ(0x340BC6D9u, sim::ModuleSimulator::Crc(digits, 9));
-    EXPECT_EQ(0xFFFFFFFFu, CommandExecutor::GetCheckSums(digits, 0));
-}
-
-TEST(Checksum, AgreesWithTheSimulatorOnManyInputs)
-{
+    EXPECT_EQ(0x340BC6D9u, ModuleSimulator::Crc(digits, 9));
     Bytes data;
-    unsigned int seed = 12345;
-    for (int n = 0; n < 600; ++n) {
-        EXPECT_EQ(sim::ModuleSimulator::Crc(data.data(), data.size()),
-                  CommandExecutor::GetCheckSums(data.data(), static_cast<unsigned int>(data.size())))
-            << "length " << n;
-        seed = seed * 1103515245u + 12345u;
+    for (unsigned int n = 0, seed = 12345; n < 600; ++n, seed = seed * 1103515245u + 12345u) {
+        EXPECT_EQ(ModuleSimulator::Crc(data.data(), n), CommandExecutor::GetCheckSums(data.data(), n)) << n;
         data.push_back(static_cast<unsigned char>(seed >> 16));
     }
 }
 
-class FrameOnWire : public LinkTest {};
-
-TEST_F(FrameOnWire, RebootRequestIsTheSixteenBytes)
+TEST(ExecutorChecks, RefusesEachKindOfBadFrame)
 {
-    ASSERT_EQ(0, Start());
+    StartFileLog();
+    CommandManager manager;
+    CommandExecutor executor{&manager};
+    RecordingReport report{0x31};
+    manager.Register(&report);
+    Bytes good = Report(0x31, {0x05});
+    EXPECT_EQ(-1, executor.Process(nullptr, 10));
+    EXPECT_EQ(-1, executor.Process(good.data(), 0));
+    const struct { const char* name; Bytes frame; int result; } rows[] = {
+        {"host marker", Bytes{0x1A} + Slice(good, 1), -2},
+        {"wrong high nibble", Bytes{0xB1} + Slice(good, 1), -3},
+        {"one byte short of its length", Bytes{0xA1, 0, 0, 0, 0x0A} + Bytes(13), -4},
+        {"shorter than a header", {0xA1, 0, 0}, -4},
+        {"length near 2^32", {0xA1, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 0}, -4},
+        {"empty payload", ModuleSimulator::EncodeFrame(0xA1, {}), 0},
+        {"payload too short for a tag", ModuleSimulator::EncodeFrame(0xA1, {0x31}), 0},
+        {"good", good, 0},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.name);
+        Bytes frame = r.frame;
+        EXPECT_EQ(r.result, executor.Process(frame.data(), static_cast<unsigned int>(frame.size())));
+    }
+    for (size_t bit = 0; bit < (good.size() - 9) * 8; ++bit) {
+        Bytes flipped = good;
+        flipped[5 + bit / 8] ^= static_cast<unsigned char>(1u << (bit % 8));
+        EXPECT_EQ(-5, executor.Process(flipped.data(), static_cast<unsigned int>(flipped.size()))) << "bit " << bit;
+    }
+    // The one-byte payload reads as tag 0x31 with no record to hand out.
+    EXPECT_EQ((std::vector<Bytes>{{}, {0x05}}), report.Values());
+    EXPECT_NE(std::string::npos, ReadLog().find("Recv Tag : 0031\n"));
+}
+
+class Framing : public LinkTest {
+protected:
+    void SetUp() override
+    {
+        LinkTest::SetUp();
+        ASSERT_NO_FATAL_FAILURE(Restart());
+    }
+    // A fresh link empties the receive buffer and the registry.
+    void Restart()
+    {
+        ASSERT_EQ(0, Start());
+        report = &NewReport(0x31);
+        empty = &NewReport(0x0000);
+        ASSERT_EQ(0, manager->Register(report));
+        ASSERT_EQ(0, manager->Register(empty));
+    }
+    int Feed(const Bytes& bytes)
+    {
+        return manager->GetTransceiver()->Receive(bytes.data(), static_cast<int>(bytes.size()));
+    }
+    RecordingReport* report = nullptr;
+    RecordingReport* empty = nullptr;
+};
+
+TEST_F(Framing, DeliversEachWholeFrameAndNoOther)
+{
+    Bytes split = Report(0x31, {1, 2, 3, 4}), nine = ModuleSimulator::EncodeFrame(0xA1, {}), next = Report(0x31, {7});
+    Bytes full(DATA_BUFFER_SIZE - 15, 0x3C);  // with its frame and record headers, exactly the buffer
+    // Reads in turn, the frames delivered (to either handler) after each, and the 0x31 values.
+    const struct {
+        const char* name;
+        std::vector<Bytes> reads;
+        std::vector<size_t> delivered;
+        std::vector<Bytes> values;
+    } rows[] = {
+        {"two frames in one read", {Report(0x31, {1}) + Report(0x31, {2})}, {2}, {{1}, {2}}},
+        {"a frame split over two reads", {Slice(split, 0, 7), Slice(split, 7)}, {0, 1}, {{1, 2, 3, 4}}},
+        {"a lone nine-byte frame waits for a tenth byte", {nine, Slice(next, 0, 1), Slice(next, 1)}, {0, 1, 2}, {{7}}},
+        {"garbage discards everything buffered",
+         {Bytes{0} + Report(0x31, {1}) + Report(0x31, {2}), Report(0x31, {3})}, {0, 1}, {{3}}},
+        {"a frame filling the whole buffer", {Report(0x31, full)}, {1}, {full}},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.name);
+        ASSERT_NO_FATAL_FAILURE(Restart());
+        for (size_t i = 0; i < r.reads.size(); ++i) {
+            EXPECT_EQ(static_cast<int>(r.reads[i].size()), Feed(r.reads[i]));
+            EXPECT_EQ(r.delivered[i], report->Values().size() + empty->Values().size()) << "after read " << i;
+        }
+        EXPECT_EQ(r.values, report->Values());
+    }
+}
+
+TEST_F(Framing, OversizedLengthNeverCompletesAndNeverOverruns)
+{
+    EXPECT_EQ(11, Feed({0xA1, 0xFF, 0xFF, 0xFF, 0xF8, 0, 0, 0, 0, 0, 0}));
+    Bytes filler(DATA_BUFFER_SIZE, 0x55);
+    EXPECT_EQ(DATA_BUFFER_SIZE - 11, Feed(filler));
+    EXPECT_EQ(0, Feed({0x55}));
+    EXPECT_TRUE(report->Values().empty());
+    ASSERT_NO_FATAL_FAILURE(Restart());  // only a restart empties the buffer
+    Feed(Report(0x31, {4}));
+    EXPECT_EQ((std::vector<Bytes>{{4}}), report->Values());
+}
+
+TEST_F(Framing, FramesWrittenInPiecesArriveWhole)
+{
+    module.SetSplitWrites(3);
+    module.PushReport(0x31, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11});
+    module.PushReport(0x31, {12});
+    ASSERT_TRUE(report->WaitForReports(2));
+    EXPECT_EQ((std::vector<Bytes>{{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}, {12}}), report->Values());
+}
+
+TEST_F(Framing, RebootRequestIsTheSixteenBytesOnTheWire)
+{
     SyncCommand cmd;
     cmd.SetTag(0x1004);
     unsigned char mode = 0x01;
     cmd.AddTLV(0x1004, 1, &mode);
     ASSERT_EQ(0, manager->Execute(&cmd, false));
     ASSERT_TRUE(module.WaitForRequests(1, 5000));
-    Bytes payload = module.Requests()[0].payload;
-    Bytes expected = {0x1A, 0x00, 0x00, 0x00, 0x07, 0x04, 0x10, 0x01, 0x00, 0x00, 0x00, 0x01, 0xD5, 0x3E, 0x0A, 0xBA};
-    EXPECT_EQ(expected, sim::ModuleSimulator::EncodeFrame(0x1A, payload));
+    EXPECT_EQ((Bytes{0x1A, 0x00, 0x00, 0x00, 0x07, 0x04, 0x10, 0x01, 0x00, 0x00, 0x00, 0x01, 0xD5, 0x3E, 0x0A, 0xBA}),
+              ModuleSimulator::EncodeFrame(0x1A, module.Requests()[0].payload));
     EXPECT_EQ(0u, module.BadFrames());
-}
-
-TEST_F(FrameOnWire, ImageAcknowledgementIsSentWithoutWaiting)
-{
-    ASSERT_EQ(0, Start());
-    SyncCommand ack;
-    ack.AddTLV(0x33, 0, nullptr);
-    ASSERT_EQ(0, manager->Execute(&ack, false));
-    ASSERT_TRUE(module.WaitForRequests(1, 5000));
-    EXPECT_EQ(0x33, module.Requests()[0].tag);
-    EXPECT_EQ((Bytes{0x33, 0, 0, 0, 0, 0}), module.Requests()[0].payload);
-}
-
-class ExecutorChecks : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        StartFileLog();
-        manager.Register(&report);
-    }
-    CommandManager manager;
-    CommandExecutor executor{&manager};
-    RecordingReport report{0x31};
-};
-
-TEST_F(ExecutorChecks, RefusesEachKindOfBadFrame)
-{
-    Bytes good = Frame(sim::ModuleSimulator::EncodeTLV(0x31, {0x05}));
-    EXPECT_EQ(-1, executor.Process(nullptr, 10));
-    EXPECT_EQ(-1, executor.Process(good.data(), 0));
-    Bytes host = good;
-    host[0] = 0x1A;
-    EXPECT_EQ(-2, Process(executor, host));
-    Bytes wrongHigh = good;
-    wrongHigh[0] = 0xB1;
-    EXPECT_EQ(-3, Process(executor, wrongHigh));
-    Bytes claimsTen = {0xA1, 0x00, 0x00, 0x00, 0x0A};
-    claimsTen.resize(18, 0);  // 19 bytes would be needed
-    EXPECT_EQ(-4, Process(executor, claimsTen));
-    EXPECT_EQ(-4, Process(executor, Bytes{0xA1, 0x00, 0x00}));
-    Bytes huge = {0xA1, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 0};
-    EXPECT_EQ(-4, Process(executor, huge));
-    for (size_t bit = 0; bit < (good.size() - 9) * 8; ++bit) {
-        Bytes flipped = good;
-        flipped[5 + bit / 8] ^= static_cast<unsigned char>(1u << (bit % 8));
-        EXPECT_EQ(-5, Process(executor, flipped)) << "bit " << bit;
-    }
-    EXPECT_TRUE(report.Values().empty());
-    EXPECT_EQ(0, Process(executor, good));
-    ASSERT_EQ(1u, report.Values().size());
-    EXPECT_EQ(Bytes{0x05}, report.Values()[0]);
-}
-
-TEST_F(ExecutorChecks, FramesTooShortForATagStillPass)
-{
-    EXPECT_EQ(0, Process(executor, Frame({})));
-    EXPECT_EQ(0, Process(executor, Frame({0x31})));
-    EXPECT_NE(std::string::npos, ReadLog().find("Recv Tag : 0031\n"));
-    // The one-byte payload has no record to hand out.
-    ASSERT_EQ(1u, report.Values().size());
-    EXPECT_TRUE(report.Values()[0].empty());
 }

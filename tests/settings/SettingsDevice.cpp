@@ -3,40 +3,59 @@
 #include "ai_camera.h"
 
 namespace {
-// The exchange that SentCount waits for; the module answers it with a temperature.
 const uint16_t kTemperatureTag = 0x200F;
+
+std::string Record(const std::string& error, const std::string& body)
+{
+    return error.empty() ? body : "[ERROR] " + error + "\n" + body;
+}
 }  // namespace
 
-void SettingsDevice::SetUp()
+Call InBuffer(size_t size, std::function<int(void* dev, char* buffer)> call)
 {
-    SimulatedDevice::SetUp();
-    if (HasFatalFailure())
+    return [size, call](void* dev, std::string& seen) {
+        std::vector<char> buffer(size, 'Q');
+        int code = call(dev, buffer.data());
+        seen.assign(buffer.begin(), buffer.end());
+        return code;
+    };
+}
+
+void SettingsDevice::Walk(const std::vector<Exchange>& rows)
+{
+    for (size_t i = 0; i < rows.size(); ++i) {
+        const Exchange& row = rows[i];
+        SCOPED_TRACE("row " + std::to_string(i) + ": " + row.function + " " + row.error);
+        if (row.tag)
+            Answer(row.tag, row.answer);
+        size_t before = RequestCount(row.tag);
+        std::string seen;
+        EXPECT_EQ(row.code, row.call(dev, seen));
+        if (row.tag) {
+            EXPECT_EQ(before + 1, RequestCount(row.tag));
+            EXPECT_EQ(row.request, LastRequest(row.tag));
+        }
+        EXPECT_EQ(Record(row.error, Body(row.inputs, row.outputs, row.code)), LastRecord(row.function));
+        EXPECT_EQ(row.seen, seen);
+    }
+}
+
+void SettingsDevice::Walk(const std::vector<Unsent>& rows, bool portOpen)
+{
+    const size_t before = sim.Requests().size();
+    std::vector<Exchange> unsent;
+    for (const Unsent& row : rows)
+        unsent.push_back({row.function, 0, {}, row.call, row.code, {}, row.inputs, row.outputs, row.error, row.seen});
+    Walk(unsent);
+    if (!portOpen)
         return;
+    // A request sent by mistake would arrive before the answer to this one.
     Answer(kTemperatureTag, {0x15, 0x00, 0x00, 0x00});
-}
-
-std::string SettingsDevice::Body(const std::string& inputs, const std::string& outputs, int nRet) const
-{
-    return "[INPUT ] " + DevText() + inputs + "\n[OUTPUT]" + outputs + "\n[RETURN] nRet : " + std::to_string(nRet) +
-           "\n";
-}
-
-std::string SettingsDevice::Failure(const std::string& error, const std::string& inputs,
-                                    const std::string& outputs, int nRet) const
-{
-    return "[ERROR] " + error + "\n" + Body(inputs, outputs, nRet);
-}
-
-std::string SettingsDevice::Refusal(const std::string& error, const std::string& outputs) const
-{
-    return Failure(error, " invalid input", outputs, -4);
-}
-
-size_t SettingsDevice::SentCount(uint16_t tag)
-{
     unsigned int temperature = 0;
     EXPECT_EQ(0, GetCpuTemperature(dev, &temperature));
-    return RequestCount(tag);
+    std::vector<sim::Request> requests = sim.Requests();
+    ASSERT_EQ(before + 1, requests.size());
+    EXPECT_EQ(kTemperatureTag, requests.back().tag);
 }
 
 void ModelDevice::SetUp()
@@ -47,11 +66,4 @@ void ModelDevice::SetUp()
     // A reboot answers, then the module goes quiet; the tests need no pause.
     model.SetRebootQuietMs(0);
     model.Install();
-}
-
-sim::Bytes HeadedText(const std::string& text)
-{
-    sim::Bytes value = BytesOf(std::string(4, '\0') + text);
-    value[0] = static_cast<uint8_t>(text.size());
-    return value;
 }

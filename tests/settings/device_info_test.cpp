@@ -1,218 +1,121 @@
-// The echo test, version texts, serial number, model, temperature and sensor
-// model queries, through the exported functions.
-#include <string.h>
-
+// The echo test, identity texts, temperature and sensor model; reboot, reset,
+// the engineering mode and recovery.
 #include "SettingsDevice.h"
 
+using namespace std::string_literals;
+
 namespace {
-const uint16_t kPingTag = 0x1000;
-const uint16_t kVersionTag = 0x1003;
-const uint16_t kSerialTag = 0x2001;
-const uint16_t kModelTag = 0x2002;
-const uint16_t kAppVersionTag = 0x200D;
-const uint16_t kTemperatureTag = 0x200F;
-const uint16_t kSensorTag = 0x2010;
-const char* const kPingInputs = " pTestData : abc nTestDataLength : 3";
-const char* const kExecuteWithoutTest = "m_pCommandManager->Execute(&syncCommand)";
+const std::string kUntouched(16, 'Q');
+
+// The 4 header bytes the module puts before the serial number and model texts.
+sim::Bytes HeadedText(const std::string& text)
+{
+    sim::Bytes value = BytesOf(std::string(4, '\0') + text);
+    value[0] = static_cast<uint8_t>(text.size());
+    return value;
+}
+
+Call Version(unsigned int length)
+{
+    return InBuffer(16, [=](void* d, char* t) { return GetDeviceVersion(d, t, length); });
+}
+Call AppVersion(unsigned int length)
+{
+    return InBuffer(16, [=](void* d, char* t) { return GetDevModelAppVer(d, t, length); });
+}
+Call Serial(char mode, unsigned int length)
+{
+    return InBuffer(16, [=](void* d, char* t) { return GetDevSn(d, mode, t, length); });
+}
+Call DeviceModel(unsigned int length)
+{
+    return InBuffer(16, [=](void* d, char* t) { return GetDevModel(d, t, length); });
+}
 }  // namespace
 
 using DeviceInformation = SettingsDevice;
 
-TEST_F(DeviceInformation, PingSucceedsOnlyOnAnExactEcho)
+// Text queries read no status byte; the records show the caller's buffer up to its length, never beyond.
+TEST_F(DeviceInformation, ExchangesRefusalsAndSendFailures)
 {
-    Answer(kPingTag, BytesOf("abc"));
-    EXPECT_EQ(0, Ping(dev, "abc", 3));
-    EXPECT_EQ(BytesOf("abc"), LastRequest(kPingTag));
-
-    Answer(kPingTag, BytesOf("abd"));
-    EXPECT_EQ(-7, Ping(dev, "abc", 3));
-    EXPECT_EQ(Failure("strncmp(reinterpret_cast<const char *>(tlvMessage.pValue) , "
-                      "reinterpret_cast<const char *>(pTestData), nTestDataLength) != 0",
-                      kPingInputs, "", -7),
-              LastRecord("Ping"));
-
-    Answer(kPingTag, BytesOf("abcd"));
-    EXPECT_EQ(-8, Ping(dev, "abc", 3));
-    EXPECT_EQ(Failure("tlvMessage.nLength != nTestDataLength", kPingInputs, "", -8), LastRecord("Ping"));
-}
-
-TEST_F(DeviceInformation, PingRefusesTextsNotOfTheirLengthWithoutSending)
-{
-    EXPECT_EQ(-4, Ping(dev, "abc", 2));
-    EXPECT_EQ(Refusal("nTestDataLength != strlen(static_cast<char*>(const_cast<void*>(pTestData)))"),
-              LastRecord("Ping"));
-    EXPECT_EQ(-4, Ping(dev, nullptr, 3));
-    EXPECT_EQ(Refusal("pTestData == nullptr"), LastRecord("Ping"));
-    EXPECT_EQ(-4, Ping(dev, "", 0));
-    EXPECT_EQ(Refusal("!strlen(static_cast<char*>(const_cast<void*>(pTestData)))"), LastRecord("Ping"));
-    EXPECT_EQ(0u, SentCount(kPingTag));
-}
-
-TEST_F(DeviceInformation, GetDeviceVersionCopiesTheWholeAnswer)
-{
-    Answer(kVersionTag, BytesOf("FW 1.2"));
-    char version[16];
-    memset(version, 'Q', sizeof version);
-    EXPECT_EQ(0, GetDeviceVersion(dev, version, sizeof version));
-    EXPECT_TRUE(LastRequest(kVersionTag).empty());
-    // The copy ends with the answer: nothing terminates it, and the record
-    // shows the caller's buffer up to its end, never beyond.
-    EXPECT_EQ(0, memcmp(version, "FW 1.2QQQQQQQQQQ", sizeof version));
-    EXPECT_EQ(Body(" nLength : 16", " pVersion : FW 1.2QQQQQQQQQQ", 0), LastRecord("GetDeviceVersion"));
-}
-
-TEST_F(DeviceInformation, GetDeviceVersionEmptyAnswerFails)
-{
-    Answer(kVersionTag, {});
-    char version[64];
-    EXPECT_EQ(-8, GetDeviceVersion(dev, version, sizeof version));
-    EXPECT_EQ(Failure("tlvMessage.nLength == 0", " nLength : 64", " invalid output", -8),
-              LastRecord("GetDeviceVersion"));
-    EXPECT_EQ(-4, GetDeviceVersion(dev, version, 0));
-    EXPECT_EQ(Refusal("nLength == 0", " invalid output"), LastRecord("GetDeviceVersion"));
-    EXPECT_EQ(-4, GetDeviceVersion(dev, nullptr, 64));
-    EXPECT_EQ(Refusal("pVersion == nullptr", " invalid output"), LastRecord("GetDeviceVersion"));
-}
-
-TEST_F(DeviceInformation, GetDevModelAppVerIsAPlainText)
-{
-    Answer(kAppVersionTag, {'A', 'P', 'P', 0x00, 'x'});
-    char version[8];
-    memset(version, 'Q', sizeof version);
-    EXPECT_EQ(0, GetDevModelAppVer(dev, version, sizeof version));
-    EXPECT_EQ(0, memcmp(version, "APP\0\0QQQ", sizeof version));
-    EXPECT_EQ(Body(" nModelVersionLength : 8", " pModelVersion : APP", 0), LastRecord("GetDevModelAppVer"));
-    EXPECT_EQ(-4, GetDevModelAppVer(dev, version, 0));
-    EXPECT_EQ(Refusal("nModelVersionLength == 0", " invalid output"), LastRecord("GetDevModelAppVer"));
-}
-
-TEST_F(DeviceInformation, GetDevSnSkipsTheHeadAndFillsASmallBufferWithoutTerminator)
-{
-    Answer(kSerialTag, HeadedText("SN123"));
-    char serial[6];
-    memset(serial, 'Q', sizeof serial);
-    EXPECT_EQ(0, GetDevSn(dev, 1, serial, 3));
-    EXPECT_EQ((sim::Bytes{0x01}), LastRequest(kSerialTag));
-    EXPECT_EQ(0, memcmp(serial, "SN1QQQ", sizeof serial));
-    EXPECT_EQ(Body(" nMode : 1 nDevsnLength : 3", " pDevSn : SN1", 0), LastRecord("GetDevSn"));
-}
-
-TEST_F(DeviceInformation, GetDevSnWantsMoreThanTheHead)
-{
-    Answer(kSerialTag, {0x05, 0x00, 0x00, 0x00});
-    char serial[32];
-    memset(serial, 'Q', sizeof serial);
-    EXPECT_EQ(-8, GetDevSn(dev, 0, serial, sizeof serial));
-    EXPECT_EQ('Q', serial[0]);
-    EXPECT_EQ(Failure("tlvMessage.nLength  <= 4", " nMode : 0 nDevsnLength : 32", " invalid output", -8),
-              LastRecord("GetDevSn"));
-}
-
-TEST_F(DeviceInformation, GetDevSnRefusesModesOtherThanZeroAndOne)
-{
-    char serial[32];
-    EXPECT_EQ(-4, GetDevSn(dev, 2, serial, sizeof serial));
-    EXPECT_EQ(Refusal("nMode != 0x00 && nMode != 0x01", " invalid output"), LastRecord("GetDevSn"));
-    EXPECT_EQ(-4, GetDevSn(dev, -1, serial, sizeof serial));
-    EXPECT_EQ(Refusal("nMode != 0x00 && nMode != 0x01", " invalid output"), LastRecord("GetDevSn"));
-    EXPECT_EQ(-4, GetDevSn(dev, 0, nullptr, sizeof serial));
-    EXPECT_EQ(Refusal("pDevSn == nullptr", " invalid output"), LastRecord("GetDevSn"));
-    EXPECT_EQ(-4, GetDevSn(dev, 0, serial, 0));
-    EXPECT_EQ(Refusal("nDevsnLength == 0", " invalid output"), LastRecord("GetDevSn"));
-    EXPECT_EQ(0u, SentCount(kSerialTag));
-}
-
-TEST_F(DeviceInformation, GetDevModelSkipsTheHead)
-{
-    Answer(kModelTag, HeadedText("M1"));
-    char model[8] = {};
-    EXPECT_EQ(0, GetDevModel(dev, model, sizeof model));
-    EXPECT_TRUE(LastRequest(kModelTag).empty());
-    EXPECT_STREQ("M1", model);
-    EXPECT_EQ(Body(" nDevModelLength : 8", " pDevModel : M1", 0), LastRecord("GetDevModel"));
-    Answer(kModelTag, {0x00, 0x00, 0x00, 0x00});
-    EXPECT_EQ(-8, GetDevModel(dev, model, sizeof model));
-    EXPECT_EQ(Failure("tlvMessage.nLength  <= 4", " nDevModelLength : 8", " invalid output", -8),
-              LastRecord("GetDevModel"));
-}
-
-TEST_F(DeviceInformation, GetCpuTemperatureReadsALittleEndianIntegerWithoutStatus)
-{
-    Answer(kTemperatureTag, {0x2A, 0x00, 0x00, 0x00});
-    unsigned int temperature = 0;
-    EXPECT_EQ(0, GetCpuTemperature(dev, &temperature));
-    EXPECT_EQ(42u, temperature);
-    EXPECT_EQ(Body("", " nTemperature : 42", 0), LastRecord("GetCpuTemperature"));
-    Answer(kTemperatureTag, {0x2B, 0x01, 0x00, 0x00, 0x7F});
-    EXPECT_EQ(0, GetCpuTemperature(dev, &temperature));
-    EXPECT_EQ(0x12Bu, temperature);
-    Answer(kTemperatureTag, {0x2A, 0x00, 0x00});
-    temperature = 7;
-    EXPECT_EQ(-8, GetCpuTemperature(dev, &temperature));
-    EXPECT_EQ(7u, temperature);
-    EXPECT_EQ(Failure("tlvMessage.nLength < 4", "", " invalid output", -8), LastRecord("GetCpuTemperature"));
-}
-
-TEST_F(DeviceInformation, GetAESensorModelWantsExactlyFiveBytes)
-{
-    Answer(kSensorTag, {0x03, 0x53, 0x0A, 0x00, 0x00});
-    unsigned int sensor = 0;
-    EXPECT_EQ(3, GetAESensorModel(dev, &sensor));
-    EXPECT_EQ(0x0A53u, sensor);
-    EXPECT_EQ(Body("", " pSensorModel : 2643", 3), LastRecord("GetAESensorModel"));
-    const sim::Bytes wrongLengths[] = {{0x00, 0x01, 0x00, 0x00}, {0x00, 0x01, 0x00, 0x00, 0x00, 0x00}};
-    for (const sim::Bytes& answer : wrongLengths) {
-        Answer(kSensorTag, answer);
-        sensor = 99;
-        EXPECT_EQ(-8, GetAESensorModel(dev, &sensor)) << answer.size() << " bytes";
-        EXPECT_EQ(99u, sensor);
-        EXPECT_EQ(Failure("tlvMessage.nLength < 4", "", " invalid output", -8), LastRecord("GetAESensorModel"));
-    }
-}
-
-TEST_F(DeviceInformation, TwoQueriesRecordTheSendFailureWithoutTheComparison)
-{
+    const Call ping = Invoke(Ping, "abc", 3);
+    const char* const pingInputs = " pTestData : abc nTestDataLength : 3";
+    const sim::Bytes shortSensor = {0x00, 0x01, 0x00, 0x00}, longSensor = {0x00, 0x01, 0x00, 0x00, 0x00, 0x00};
+    const Call temperature = Outputs(GetCpuTemperature), sensor = Outputs(GetAESensorModel);
+    Walk({
+        {"Ping", 0x1000, BytesOf("abc"), ping, 0, BytesOf("abc"), pingInputs, ""},
+        {"Ping", 0x1000, BytesOf("abd"), ping, -7, BytesOf("abc"), pingInputs, "",
+         "strncmp(reinterpret_cast<const char *>(tlvMessage.pValue) , "
+         "reinterpret_cast<const char *>(pTestData), nTestDataLength) != 0"},
+        {"Ping", 0x1000, BytesOf("abcd"), ping, -8, BytesOf("abc"), pingInputs, "",
+         "tlvMessage.nLength != nTestDataLength"},
+        {"GetDeviceVersion", 0x1003, BytesOf("FW 1.2"), Version(12), 0, {}, " nLength : 12",
+         " pVersion : FW 1.2QQQQQQ", "", "FW 1.2QQQQQQQQQQ"},
+        {"GetDeviceVersion", 0x1003, {}, Version(12), -8, {}, " nLength : 12", " invalid output",
+         "tlvMessage.nLength == 0", kUntouched},
+        {"GetDevModelAppVer", 0x200D, {'A', 'P', 'P', 0x00, 'x'}, AppVersion(8), 0, {}, " nModelVersionLength : 8",
+         " pModelVersion : APP", "", "APP\0\0QQQQQQQQQQQ"s},
+        // Serial number and model skip 4 leading bytes.
+        {"GetDevSn", 0x2001, HeadedText("SN123"), Serial(1, 3), 0, {0x01}, " nMode : 1 nDevsnLength : 3",
+         " pDevSn : SN1", "", "SN1QQQQQQQQQQQQQ"},
+        {"GetDevSn", 0x2001, {0x05, 0x00, 0x00, 0x00}, Serial(0, 8), -8, {0x00}, " nMode : 0 nDevsnLength : 8",
+         " invalid output", "tlvMessage.nLength  <= 4", kUntouched},
+        {"GetDevModel", 0x2002, HeadedText("M1"), DeviceModel(8), 0, {}, " nDevModelLength : 8",
+         " pDevModel : M1QQQQQQ", "", "M1QQQQQQQQQQQQQQ"},
+        {"GetDevModel", 0x2002, {0x00, 0x00, 0x00, 0x00}, DeviceModel(8), -8, {}, " nDevModelLength : 8",
+         " invalid output", "tlvMessage.nLength  <= 4", kUntouched},
+        // No status byte before the temperature; extra bytes are ignored.
+        {"GetCpuTemperature", 0x200F, {0x2A, 0x00, 0x00, 0x00}, temperature, 0, {}, "", " nTemperature : 42", "", "42"},
+        {"GetCpuTemperature", 0x200F, {0x2B, 0x01, 0x00, 0x00, 0x7F}, temperature, 0, {}, "", " nTemperature : 299",
+         "", "299"},
+        {"GetCpuTemperature", 0x200F, {0x2A, 0x00, 0x00}, temperature, -8, {}, "", " invalid output",
+         "tlvMessage.nLength < 4", "77"},
+        // Exactly 5 bytes, under the text of a lower bound.
+        {"GetAESensorModel", 0x2010, {0x03, 0x53, 0x0A, 0x00, 0x00}, sensor, 3, {}, "", " pSensorModel : 2643",
+         "", "2643"},
+        {"GetAESensorModel", 0x2010, shortSensor, sensor, -8, {}, "", " invalid output", "tlvMessage.nLength < 4",
+         "77"},
+        {"GetAESensorModel", 0x2010, longSensor, sensor, -8, {}, "", " invalid output", "tlvMessage.nLength < 4", "77"},
+        // Reset and the engineering mode are reboots in modes 0 and 4; the status is the result.
+        {"Reboot", 0x1004, {0x00}, Invoke(Reboot, 4), 0, {0x04}, " nMode : 4", ""},
+        {"SetUmodeToEngin", 0x1004, {0x00}, Invoke(SetUmodeToEngin), 0, {0x04}, "", ""},
+        {"Reboot", 0x1004, {0x00}, Invoke(Reboot, 0), 0, {0x00}, " nMode : 0", ""},
+        {"Reset", 0x1004, {0xC8}, Invoke(Reset), 200, {0x00}, "", ""},
+        {"Reboot", 0x1004, {0xC8}, Invoke(Reboot, 2), 200, {0x02}, " nMode : 2", ""},
+        {"SetUmodeToEngin", 0x1004, {0x00, 0x00}, Invoke(SetUmodeToEngin), -8, {0x04}, "", "",
+         "tlvMessage.nLength != 1"},
+        {"Recovery", 0x1005, {0x00}, Invoke(Recovery, 1), 0, {0x01}, " nMode : 1", ""},
+    });
+    const char* const modeText = "nMode != 0x00 && nMode != 0x01";
+    const char* const rebootText = "nMode < 0x00 || nMode > 0x04";
+    Walk({
+        {"Ping", Invoke(Ping, "abc", 2), "nTestDataLength != strlen(static_cast<char*>(const_cast<void*>(pTestData)))"},
+        {"Ping", Invoke(Ping, nullptr, 3), "pTestData == nullptr"},
+        {"Ping", Invoke(Ping, "", 0), "!strlen(static_cast<char*>(const_cast<void*>(pTestData)))"},
+        {"GetDeviceVersion", Version(0), "nLength == 0", " invalid output", " invalid input", -4, kUntouched},
+        {"GetDeviceVersion", Invoke(GetDeviceVersion, nullptr, 64), "pVersion == nullptr", " invalid output"},
+        {"GetDevModelAppVer", AppVersion(0), "nModelVersionLength == 0", " invalid output", " invalid input", -4,
+         kUntouched},
+        {"GetDevSn", Serial(2, 8), modeText, " invalid output", " invalid input", -4, kUntouched},
+        {"GetDevSn", Serial(-1, 8), modeText, " invalid output", " invalid input", -4, kUntouched},
+        {"GetDevSn", Invoke(GetDevSn, 0, nullptr, 8), "pDevSn == nullptr", " invalid output"},
+        {"GetDevSn", Serial(0, 0), "nDevsnLength == 0", " invalid output", " invalid input", -4, kUntouched},
+        {"Reboot", Invoke(Reboot, 5), rebootText},
+        {"Reboot", Invoke(Reboot, -1), rebootText},
+        {"Recovery", Invoke(Recovery, 2), modeText},
+        {"Recovery", Invoke(Recovery, -1), modeText},
+    });
+    // Some records name the send without its comparison with 0.
     ASSERT_EQ(0, DisconnectSerial(dev));
-    char text[16];
-    EXPECT_EQ(-6, GetDeviceVersion(dev, text, sizeof text));
-    EXPECT_EQ(Failure(kExecuteWithoutTest, " nLength : 16", " invalid output", -6), LastRecord("GetDeviceVersion"));
-    EXPECT_EQ(-6, GetDevModelAppVer(dev, text, sizeof text));
-    EXPECT_EQ(Failure(kExecuteWithoutTest, " nModelVersionLength : 16", " invalid output", -6),
-              LastRecord("GetDevModelAppVer"));
-    EXPECT_EQ(-6, GetDevModel(dev, text, sizeof text));
-    EXPECT_EQ(Failure("m_pCommandManager->Execute(&syncCommand) != 0", " nDevModelLength : 16", " invalid output", -6),
-              LastRecord("GetDevModel"));
-}
-
-using DeviceInformationOfTheModule = ModelDevice;
-
-TEST_F(DeviceInformationOfTheModule, IdentityTextsComeFromTheModule)
-{
-    const sim::ModuleIdentity identity = model.Identity();
-    char text[64] = {};
-    EXPECT_EQ(0, Ping(dev, "hello", 5));
-    ASSERT_EQ(0, GetDeviceVersion(dev, text, sizeof text - 1));
-    EXPECT_EQ(identity.firmwareVersion, text);
-    memset(text, 0, sizeof text);
-    ASSERT_EQ(0, GetDevModelAppVer(dev, text, sizeof text - 1));
-    EXPECT_EQ(identity.appVersion, text);
-    memset(text, 0, sizeof text);
-    ASSERT_EQ(0, GetDevSn(dev, 0, text, sizeof text - 1));
-    EXPECT_EQ(identity.serialNumber, text);
-    memset(text, 0, sizeof text);
-    ASSERT_EQ(0, GetDevSn(dev, 1, text, sizeof text - 1));
-    EXPECT_EQ(identity.boardSerialNumber, text);
-    memset(text, 0, sizeof text);
-    ASSERT_EQ(0, GetDevModel(dev, text, sizeof text - 1));
-    EXPECT_EQ(identity.model, text);
-}
-
-TEST_F(DeviceInformationOfTheModule, TemperatureAndSensorModelComeFromTheModule)
-{
-    model.SetTemperature(57);
-    unsigned int temperature = 0, sensor = 0;
-    EXPECT_EQ(0, GetCpuTemperature(dev, &temperature));
-    EXPECT_EQ(57u, temperature);
-    EXPECT_EQ(0, GetAESensorModel(dev, &sensor));
-    EXPECT_EQ(model.Identity().sensorModel, sensor);
+    const std::string send = "m_pCommandManager->Execute(&syncCommand)";
+    Walk({
+        {"GetDeviceVersion", Version(8), send, " invalid output", " nLength : 8", -6, kUntouched},
+        {"GetDevModelAppVer", AppVersion(8), send, " invalid output", " nModelVersionLength : 8", -6, kUntouched},
+        {"GetDevModel", DeviceModel(8), send + " != 0", " invalid output", " nDevModelLength : 8", -6, kUntouched},
+        {"GetLuminousSensitivityThreshold", Outputs(GetLuminousSensitivityThreshold), send, " invalid output", "", -6,
+         "77"},
+        {"GetDeviceNoFlickerHz", Outputs(GetDeviceNoFlickerHz, 0), send, " invalid output", " nCameraId : 0", -6,
+         "77 77"},
+        {"GetFrameRate", Outputs(GetFrameRate), send + " != 0", " invalid output", "", -6, "77"},
+    }, false);
 }

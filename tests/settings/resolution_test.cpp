@@ -8,7 +8,6 @@
 #include "ai_camera_ext.h"
 
 namespace {
-const uint16_t kResolutionTag = 0x2008;
 const int kClipWidth = 96;
 const int kClipHeight = 64;
 
@@ -30,73 +29,38 @@ bool WriteClip(const char* path)
 }
 }  // namespace
 
-class Resolution : public SettingsDevice {
-protected:
-    void OpenPlayback()
-    {
-        ASSERT_TRUE(WriteClip("clip.mjpeg"));
-        ASSERT_EQ(0, ConnectCameraPlayback(dev, "clip.mjpeg"));
-        ExpectLocalSize(kClipWidth, kClipHeight);
-    }
+using Resolution = SettingsDevice;
 
-    void ExpectLocalSize(int width, int height)
-    {
-        int actualWidth = 0, actualHeight = 0;
-        ASSERT_EQ(0, GetResolution(dev, &actualWidth, &actualHeight));
-        EXPECT_EQ(width, actualWidth);
-        EXPECT_EQ(height, actualHeight);
-    }
-
-    void TearDown() override
-    {
-        DisconnectCamera(dev);
-        SettingsDevice::TearDown();
-    }
-};
-
-TEST_F(Resolution, StatusZeroSetsTheLocalStreamsSize)
+// Without a camera the local size change is still attempted and its -1 ignored;
+// with one, status 0 sets the local stream's size of the mode and another status leaves it.
+TEST_F(Resolution, TheModulesStatusDecidesTheLocalSize)
 {
-    ASSERT_NO_FATAL_FAILURE(OpenPlayback());
-    Answer(kResolutionTag, {0x00});
+    Answer(0x2008, {0x00});
     EXPECT_EQ(0, SetResolution(dev, 1));
-    EXPECT_EQ((sim::Bytes{0x01}), LastRequest(kResolutionTag));
-    ExpectLocalSize(360, 640);
-    EXPECT_EQ(Body(" nMode : 1", "", 0), LastRecord("SetResolution"));
-}
-
-TEST_F(Resolution, EveryModeHasItsSize)
-{
-    ASSERT_NO_FATAL_FAILURE(OpenPlayback());
-    Answer(kResolutionTag, {0x00});
-    const int sizes[][2] = {{720, 1280}, {360, 640}, {720, 720}, {720, 640}, {720, 480}};
-    for (char mode = 0; mode <= 4; ++mode) {
-        SCOPED_TRACE(static_cast<int>(mode));
-        EXPECT_EQ(0, SetResolution(dev, mode));
-        EXPECT_EQ((sim::Bytes{static_cast<uint8_t>(mode)}), LastRequest(kResolutionTag));
-        ExpectLocalSize(sizes[static_cast<int>(mode)][0], sizes[static_cast<int>(mode)][1]);
-    }
-}
-
-TEST_F(Resolution, AnotherStatusLeavesTheLocalSize)
-{
-    ASSERT_NO_FATAL_FAILURE(OpenPlayback());
-    Answer(kResolutionTag, {0x03});
-    EXPECT_EQ(3, SetResolution(dev, 1));
-    ExpectLocalSize(kClipWidth, kClipHeight);
-    EXPECT_EQ(Body(" nMode : 1", "", 3), LastRecord("SetResolution"));
-}
-
-TEST_F(Resolution, WithoutACameraTheLocalSizeChangeIsStillAttempted)
-{
-    Answer(kResolutionTag, {0x00});
-    EXPECT_EQ(0, SetResolution(dev, 1));
-    // Two records: the local size change (no camera, -1, ignored), then the command's.
     std::vector<TraceEntry> records = TraceLog::Of("SetResolution");
     ASSERT_EQ(2u, records.size());
     EXPECT_EQ(Body(" width : 360 height : 640", "", -1), records[0].body);
     EXPECT_EQ(Body(" nMode : 1", "", 0), records[1].body);
 
-    Answer(kResolutionTag, {0x03});
-    EXPECT_EQ(3, SetResolution(dev, 2));
-    EXPECT_EQ(3u, TraceLog::Of("SetResolution").size());
+    auto localSize = [this] {
+        int width = 0, height = 0;
+        EXPECT_EQ(0, GetResolution(dev, &width, &height));
+        return std::make_pair(width, height);
+    };
+    ASSERT_TRUE(WriteClip("clip.mjpeg"));
+    ASSERT_EQ(0, ConnectCameraPlayback(dev, "clip.mjpeg"));
+    EXPECT_EQ(std::make_pair(kClipWidth, kClipHeight), localSize());
+    Answer(0x2008, {0x03});
+    EXPECT_EQ(3, SetResolution(dev, 1));
+    EXPECT_EQ(Body(" nMode : 1", "", 3), LastRecord("SetResolution"));
+    EXPECT_EQ(std::make_pair(kClipWidth, kClipHeight), localSize());
+    Answer(0x2008, {0x00});
+    const std::pair<int, int> sizes[] = {{720, 1280}, {360, 640}, {720, 720}, {720, 640}, {720, 480}};
+    for (char mode = 0; mode <= 4; ++mode) {
+        SCOPED_TRACE(static_cast<int>(mode));
+        EXPECT_EQ(0, SetResolution(dev, mode));
+        EXPECT_EQ((sim::Bytes{static_cast<uint8_t>(mode)}), LastRequest(0x2008));
+        EXPECT_EQ(Body(" nMode : " + std::to_string(mode), "", 0), LastRecord("SetResolution"));
+        EXPECT_EQ(sizes[static_cast<int>(mode)], localSize());
+    }
 }

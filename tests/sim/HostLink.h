@@ -2,39 +2,99 @@
 // The host's end of the simulator's pseudo-terminal for tests of the module
 // model: sends requests and collects the module's frames, reports included.
 
-#include <cstdint>
+#include <fcntl.h>
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
 #include <deque>
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
-#include "WireFormat.h"
+#include "ModuleSimulator.h"
 
 namespace sim::test {
 
 class HostLink {
 public:
-    explicit HostLink(const std::string& ptyPath);
-    ~HostLink();
-    HostLink(const HostLink&) = delete;
-    HostLink& operator=(const HostLink&) = delete;
+    explicit HostLink(const std::string& ptyPath) : m_fd(::open(ptyPath.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK)) {
+        termios tio{};
+        if (m_fd >= 0 && tcgetattr(m_fd, &tio) == 0) {
+            cfmakeraw(&tio);
+            tcsetattr(m_fd, TCSANOW, &tio);
+        }
+    }
+    ~HostLink() {
+        if (m_fd >= 0) ::close(m_fd);
+    }
 
     bool IsOpen() const { return m_fd >= 0; }
-    void Send(uint16_t tag, const Bytes& value);
+    void Send(uint16_t tag, const Bytes& value) {
+        const Bytes frame = ModuleSimulator::EncodeFrame(0x1A, ModuleSimulator::EncodeTLV(tag, value));
+        for (size_t done = 0; m_fd >= 0 && done < frame.size();) {
+            const ssize_t n = ::write(m_fd, frame.data() + done, frame.size() - done);
+            pollfd p{m_fd, POLLOUT, 0};
+            if (n > 0) done += size_t(n);
+            else if (::poll(&p, 1, 1000) <= 0) return;
+        }
+    }
     // The value of the next record with this tag; other records wait their turn.
-    std::optional<Bytes> WaitFor(uint16_t tag, int timeoutMs = 5000);
-    std::optional<Bytes> Ask(uint16_t tag, const Bytes& value, int timeoutMs = 5000);
-    size_t BadFrames() const { return m_badFrames; }
+    std::optional<Bytes> WaitFor(uint16_t tag, int timeoutMs = 5000) {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+        for (;;) {
+            for (auto it = m_records.begin(); it != m_records.end(); ++it) {
+                if (it->first != tag) continue;
+                Bytes value = std::move(it->second);
+                m_records.erase(it);
+                return value;
+            }
+            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+            pollfd p{m_fd, POLLIN, 0};
+            uint8_t buffer[65536];
+            if (left.count() <= 0) return std::nullopt;
+            const ssize_t n = ::poll(&p, 1, int(left.count())) > 0 ? ::read(m_fd, buffer, sizeof buffer) : 0;
+            m_input.insert(m_input.end(), buffer, buffer + std::max<ssize_t>(n, 0));
+            CutFrames();
+        }
+    }
+    std::optional<Bytes> Ask(uint16_t tag, const Bytes& value, int timeoutMs = 5000) {
+        Send(tag, value);
+        return WaitFor(tag, timeoutMs);
+    }
 
 private:
-    bool ReadSome(int timeoutMs);
-    void CutFrames();
+    static uint32_t Field(const uint8_t* p, int n, bool bigEndian) {
+        uint32_t v = 0;
+        for (int i = 0; i < n; ++i) v |= uint32_t(p[i]) << (8 * (bigEndian ? n - 1 - i : i));
+        return v;
+    }
+    // Frames: 0xA1, u32 big-endian length, payload (one TLV record), u32 big-endian CRC.
+    void CutFrames() {
+        for (;;) {
+            size_t start = 0;
+            while (start < m_input.size() && m_input[start] != 0xA1) ++start;
+            m_input.erase(m_input.begin(), m_input.begin() + long(start));
+            if (m_input.size() < 5) return;
+            const size_t length = Field(&m_input[1], 4, true);
+            if (m_input.size() < 5 + length + 4) return;
+            const uint8_t* payload = &m_input[5];
+            const size_t valueLength = length >= 6 ? Field(payload + 2, 4, false) : length;
+            if (length < 6 || valueLength > length - 6 ||
+                Field(payload + length, 4, true) != ModuleSimulator::Crc(m_input.data(), 5 + length)) {
+                m_input.erase(m_input.begin());   // a broken frame: look for the next marker
+                continue;
+            }
+            m_records.emplace_back(uint16_t(Field(payload, 2, false)), Bytes(payload + 6, payload + 6 + valueLength));
+            m_input.erase(m_input.begin(), m_input.begin() + long(5 + length + 4));
+        }
+    }
 
-    int m_fd = -1;
+    int m_fd;
     Bytes m_input;
     std::deque<std::pair<uint16_t, Bytes>> m_records;
-    size_t m_badFrames = 0;
 };
 
 }  // namespace sim::test

@@ -19,6 +19,13 @@ inline Bytes WithId32(Bytes head, const std::string& id) {
     return head;
 }
 
+// Bytes that differ from slice to slice, so that a misplaced slice shows.
+inline Bytes Pattern(size_t size) {
+    Bytes b(size);
+    for (size_t i = 0; i < size; ++i) b[i] = uint8_t((uint32_t(i) * 2654435761u) >> 13);
+    return b;
+}
+
 class SimModelTest : public ::testing::Test {
 protected:
     void SetUp() override {

@@ -1,19 +1,10 @@
 #include "SimulatedDevice.h"
 
-#include <limits.h>
 #include <stdio.h>
-#include <stdlib.h>
-#include <unistd.h>
 
+// The test runner has already moved into a scratch directory of this case's own.
 void SimulatedDevice::SetUp()
 {
-    char cwd[PATH_MAX];
-    ASSERT_NE(nullptr, getcwd(cwd, sizeof cwd));
-    m_previousDir = cwd;
-    char pattern[] = "/tmp/aicam-test-XXXXXX";
-    ASSERT_NE(nullptr, mkdtemp(pattern));
-    m_workDir = pattern;
-    ASSERT_EQ(0, chdir(m_workDir.c_str()));
     ASSERT_EQ(0, SetLogConfig(LOG_LEVER_DEBUG, LOG_TARGET_FILE));
     ASSERT_TRUE(sim.Start());
     dev = Init();
@@ -27,13 +18,6 @@ void SimulatedDevice::TearDown()
         DeInit(dev);
     sim.Stop();
     SetLogConfig(LOG_LEVER_OFF, LOG_TARGET_CONSOLE_FILE);
-    if (!m_previousDir.empty() && chdir(m_previousDir.c_str()) != 0)
-        ADD_FAILURE() << "cannot return to " << m_previousDir;
-    if (!m_workDir.empty() && !HasFailure()) {
-        std::string remove = "rm -rf '" + m_workDir + "'";
-        if (system(remove.c_str()) != 0)
-            ADD_FAILURE() << "cannot remove " << m_workDir;
-    }
 }
 
 void SimulatedDevice::Answer(uint16_t tag, const sim::Bytes& value)
@@ -43,16 +27,12 @@ void SimulatedDevice::Answer(uint16_t tag, const sim::Bytes& value)
 
 sim::Bytes SimulatedDevice::LastRequest(uint16_t tag) const
 {
-    sim::Bytes last;
-    bool found = false;
-    for (const sim::Request& request : sim.Requests()) {
-        if (request.tag == tag) {
-            last = request.value;
-            found = true;
-        }
-    }
-    EXPECT_TRUE(found) << "no request with tag " << tag;
-    return last;
+    std::vector<sim::Request> requests = sim.Requests();
+    for (auto it = requests.rbegin(); it != requests.rend(); ++it)
+        if (it->tag == tag)
+            return it->value;
+    ADD_FAILURE() << "no request with tag " << tag;
+    return {};
 }
 
 size_t SimulatedDevice::RequestCount(uint16_t tag) const
@@ -75,6 +55,23 @@ std::string SimulatedDevice::DevText() const
     char text[40];
     snprintf(text, sizeof text, "dev : %p", dev);
     return text;
+}
+
+std::string SimulatedDevice::Body(const std::string& inputs, const std::string& outputs, int nRet) const
+{
+    return "[INPUT ] " + DevText() + inputs + "\n[OUTPUT]" + outputs + "\n[RETURN] nRet : " + std::to_string(nRet) +
+           "\n";
+}
+
+std::string SimulatedDevice::Failure(const std::string& error, const std::string& inputs, const std::string& outputs,
+                                     int nRet) const
+{
+    return "[ERROR] " + error + "\n" + Body(inputs, outputs, nRet);
+}
+
+std::string SimulatedDevice::Refusal(const std::string& error, const std::string& outputs) const
+{
+    return Failure(error, " invalid input", outputs, -4);
 }
 
 sim::Bytes BytesOf(const std::string& text) { return sim::Bytes(text.begin(), text.end()); }

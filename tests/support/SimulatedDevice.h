@@ -1,5 +1,5 @@
 // A device handle connected over a pseudo-terminal to the module simulator,
-// with the trace log written to a fresh directory of the test's own.
+// tracing at debug level into the log file of the test's scratch directory.
 #ifndef TESTS_SIMULATED_DEVICE_H
 #define TESTS_SIMULATED_DEVICE_H
 
@@ -25,13 +25,16 @@ protected:
     std::string LastRecord(const std::string& function) const;
     // "dev : 0x..." as the records print this handle.
     std::string DevText() const;
+    // A record body: "[INPUT ] dev : 0x..<inputs>\n[OUTPUT]<outputs>\n[RETURN] nRet : n\n",
+    // and the same after the "[ERROR] " line of a failed condition.
+    std::string Body(const std::string& inputs, const std::string& outputs, int nRet) const;
+    std::string Failure(const std::string& error, const std::string& inputs, const std::string& outputs,
+                        int nRet) const;
+    // A refused argument: -4 with " invalid input".
+    std::string Refusal(const std::string& error, const std::string& outputs = "") const;
 
     sim::ModuleSimulator sim;
     void* dev = nullptr;
-
-private:
-    std::string m_previousDir;
-    std::string m_workDir;
 };
 
 sim::Bytes BytesOf(const std::string& text);

@@ -5,49 +5,37 @@
 #include <fstream>
 #include <sstream>
 
-namespace {
-std::string Today()
+std::string TraceLog::Text()
 {
     time_t now = time(nullptr);
     struct tm local;
     localtime_r(&now, &local);
-    char text[16];
-    strftime(text, sizeof text, "%Y%m%d", &local);
-    return text;
-}
-}  // namespace
-
-std::string TraceLog::Text()
-{
-    std::ifstream file("Log/" + Today() + ".log");
+    char name[32];
+    strftime(name, sizeof name, "Log/%Y%m%d.log", &local);
+    std::ifstream file(name);
     std::stringstream text;
     text << file.rdbuf();
     return text.str();
 }
 
-// A record is "[date time]" + header + "\n" + body, then the logger's newline.
+// A record is "[date time]" + header + "\n" + body, then the logger's empty line.
 std::vector<TraceEntry> TraceLog::Read()
 {
     std::vector<TraceEntry> entries;
     std::istringstream lines(Text());
     std::string line;
     while (std::getline(lines, line)) {
-        bool isHeader = line.size() > 20 && line[0] == '[' && line.find("][FUNCTION : ") != std::string::npos;
-        if (isHeader) {
-            TraceEntry entry;
-            entry.header = line.substr(line.find(']') + 1);
-            size_t at = line.find("[FUNCTION : ") + 12;
-            entry.function = line.substr(at, line.find(']', at) - at);
-            entries.push_back(entry);
+        size_t at = line.find("][FUNCTION : ");
+        if (line.size() > 20 && line[0] == '[' && at != std::string::npos) {
+            at += 13;
+            entries.push_back({line.substr(line.find(']') + 1), line.substr(at, line.find(']', at) - at), ""});
         } else if (!entries.empty()) {
             entries.back().body += line + "\n";
         }
     }
-    // Each body ends with the empty line that follows every record.
-    for (TraceEntry& entry : entries) {
+    for (TraceEntry& entry : entries)
         if (entry.body.size() >= 2 && entry.body.compare(entry.body.size() - 2, 2, "\n\n") == 0)
             entry.body.pop_back();
-    }
     return entries;
 }
 
