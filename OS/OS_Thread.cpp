@@ -41,10 +41,6 @@ void OS_Thread::Join(OS_Thread* thread)
     thread->m_pThread = nullptr;
 }
 
-bool OS_Thread::IsCurrentThread() const
-{
-    return m_pThread && pthread_equal(*m_pThread, pthread_self());
-}
 
 int OS_Thread::MSleep(unsigned int ms)
 {

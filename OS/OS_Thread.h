@@ -19,7 +19,6 @@ public:
     static int MSleep(unsigned int ms);
     static unsigned int Sleep(unsigned int s);
 
-    bool IsCurrentThread() const;
 
 protected:
     pthread_t* m_pThread;

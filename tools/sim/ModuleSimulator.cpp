@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <stdlib.h>
-#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -61,7 +60,6 @@ void ModuleSimulator::State::Shutdown()
         std::lock_guard<std::mutex> guard(lock);
         running = false;
         output.clear();
-        unwritten = 0;
     }
     changed.notify_all();
     if (wakePipe[1] >= 0) {
@@ -116,31 +114,6 @@ bool ModuleSimulator::WaitForRequests(size_t n, int timeoutMs) const
     std::unique_lock<std::mutex> guard(m_state->lock);
     return m_state->changed.wait_for(guard, std::chrono::milliseconds(timeoutMs),
                                      [&] { return m_state->requests.size() >= n; });
-}
-
-bool ModuleSimulator::WaitForOutputDrained(int timeoutMs) const
-{
-    std::unique_lock<std::mutex> guard(m_state->lock);
-    return m_state->changed.wait_for(guard, std::chrono::milliseconds(timeoutMs),
-                                     [&] { return m_state->unwritten == 0; });
-}
-
-bool ModuleSimulator::WaitForHostToRead(int timeoutMs) const
-{
-    auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
-    if (!WaitForOutputDrained(timeoutMs))
-        return false;
-    for (;;) {
-        int queued = 0;
-        // The slave's input queue is shared by every descriptor open on it.
-        if (ioctl(m_state->slave, FIONREAD, &queued) != 0)
-            return false;
-        if (queued == 0)
-            return true;
-        if (Clock::now() > deadline)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
 }
 
 size_t ModuleSimulator::BadFrames() const

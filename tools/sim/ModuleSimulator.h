@@ -61,13 +61,6 @@ public:
     void SetPacing(int bytesPerMs);           // 0 = off; else write in small pieces at this rate
     void Unplug();                            // close the master side: the host sees a hang-up
 
-    // Blocks until everything queued so far has been written to the pty, or
-    // timeoutMs passes.
-    bool WaitForOutputDrained(int timeoutMs) const;
-    // As WaitForOutputDrained, and then until the host has read every byte
-    // from its side of the pty.
-    bool WaitForHostToRead(int timeoutMs) const;
-
     static Bytes EncodeFrame(uint8_t marker, const Bytes& payload);  // the simulator's own framing
     static Bytes EncodeTLV(uint16_t tag, const Bytes& value);
     static uint32_t Crc(const uint8_t* data, size_t len);           // the simulator's own CRC

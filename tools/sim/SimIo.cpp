@@ -86,7 +86,6 @@ void ModuleSimulator::State::Queue(Bytes bytes, bool isFrame, int delayMs)
     item.chunk = splitChunk;
     item.bytesPerMs = bytesPerMs;
     output.push_back(std::move(item));
-    ++unwritten;
     changed.notify_all();
 }
 
@@ -109,7 +108,6 @@ void ModuleSimulator::State::WriteLoop()
         guard.unlock();
         bool written = WriteItem(item);
         guard.lock();
-        --unwritten;
         changed.notify_all();
         if (!written)
             return;

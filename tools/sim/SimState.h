@@ -53,7 +53,6 @@ struct ModuleSimulator::State {
     HostFrameParser parser;
 
     std::deque<OutItem> output;
-    size_t unwritten = 0;  // queued or being written
     size_t splitChunk = 0;
     Bytes garbage;
     int corruptFrames = 0;
