@@ -88,12 +88,7 @@ int AICamera::GetDeviceNoFlickerHz(char nCameraId, unsigned char* pHz, unsigned 
         return req.Result();
     req.Payload().WriteChar(kRead);
     req.Payload().WriteChar(static_cast<unsigned char>(nCameraId));
-    if (!req.Exchange({AnswerLength::Exactly(3)}))
-        return req.Result();
-    Message& answer = req.ReadStatus();
-    answer.ReadChar(pHz);
-    answer.ReadChar(isEnable);
-    return req.Succeed(" pHz : %d isEnable : %d", *pHz, *isEnable);
+    return StatusAndTwoBytes(req, pHz, isEnable, " pHz : %d isEnable : %d");
 }
 
 int AICamera::SetDeviceNoFlickerHz(char nCameraId, char nHz, char isEnable)
@@ -189,12 +184,7 @@ int AICamera::GetIRlight(unsigned char* pLuminance, unsigned char* pCloseTime)
     DEVICE_REQUEST(req, 0x2006);
     req.InvalidOutputOnFailure();
     req.Payload().WriteChar(kIRlightRead);
-    if (!req.Exchange({AnswerLength::Exactly(3)}))
-        return req.Result();
-    Message& answer = req.ReadStatus();
-    answer.ReadChar(pLuminance);
-    answer.ReadChar(pCloseTime);
-    return req.Succeed(" pLuminance : %d pCloseTime : %d", *pLuminance, *pCloseTime);
+    return StatusAndTwoBytes(req, pLuminance, pCloseTime, " pLuminance : %d pCloseTime : %d");
 }
 
 int AICamera::SetIRlight(unsigned char nLuminance, unsigned char nCloseTime)

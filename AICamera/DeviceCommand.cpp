@@ -50,3 +50,13 @@ int PrintableLength(const void* text, unsigned int capacity)
     size_t limit = capacity < INT_MAX ? capacity : INT_MAX;
     return static_cast<int>(strnlen(static_cast<const char*>(text), limit));
 }
+
+int StatusAndTwoBytes(DeviceRequest& req, unsigned char* first, unsigned char* second, const char* outputs)
+{
+    if (!req.Exchange({AnswerLength::Exactly(3)}))
+        return req.Result();
+    Message& answer = req.ReadStatus();
+    answer.ReadChar(first);
+    answer.ReadChar(second);
+    return req.Succeed(outputs, *first, *second);
+}

@@ -40,6 +40,10 @@ unsigned int Remaining(Message& message);
 // bytes that the caller frees; an absent or empty image yields null and 0.
 void ReadImageOutput(Message& answer, void** ppImage, unsigned int* pImageLength);
 
+// Exchange, then an answer of exactly a status byte and two bytes, read into
+// first and second whatever the status; `outputs` formats the two for the record.
+int StatusAndTwoBytes(DeviceRequest& req, unsigned char* first, unsigned char* second, const char* outputs);
+
 // Length of a caller's text buffer that need not be terminated, for "%.*s".
 int PrintableLength(const void* text, unsigned int capacity);
 

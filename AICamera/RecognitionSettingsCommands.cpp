@@ -67,12 +67,7 @@ int AICamera::GetRecognizeCount(unsigned char* pRecCount, unsigned char* pLiving
     DEVICE_REQUEST(req, 0x09);
     req.InvalidOutputOnFailure();
     req.Payload().WriteChar(kGet);
-    if (!req.Exchange({AnswerLength::Exactly(3)}))
-        return req.Result();
-    Message& answer = req.ReadStatus();
-    answer.ReadChar(pRecCount);
-    answer.ReadChar(pLivingCount);
-    return req.Succeed(" pRecCount : %d pLivingCount : %d", *pRecCount, *pLivingCount);
+    return StatusAndTwoBytes(req, pRecCount, pLivingCount, " pRecCount : %d pLivingCount : %d");
 }
 
 int AICamera::SetTemplateUpdate(unsigned char isUpdate)
