@@ -24,6 +24,7 @@ unsigned int Remaining(Message& message)
     return length - message.GetPosition();
 }
 
+namespace {
 void ReadImageOutput(Message& answer, void** ppImage, unsigned int* pImageLength)
 {
     *ppImage = nullptr;
@@ -43,6 +44,18 @@ void ReadImageOutput(Message& answer, void** ppImage, unsigned int* pImageLength
     }
     *ppImage = image;
     answer.ReadData(image, *pImageLength);
+}
+}  // namespace
+
+int StatusAndImage(DeviceRequest& req, void** ppImage, unsigned int* pImageLength, const char* outputs,
+                   bool onlyOnSuccess)
+{
+    if (!req.Exchange({AnswerLength::AtLeast(1, "tlvMessage.nLength < 1")}))
+        return req.Result();
+    Message& answer = req.ReadStatus();
+    if (!onlyOnSuccess || req.Result() == 0)
+        ReadImageOutput(answer, ppImage, pImageLength);
+    return req.Succeed(outputs, *ppImage, *pImageLength);
 }
 
 int PrintableLength(const void* text, unsigned int capacity)

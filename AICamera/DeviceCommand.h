@@ -36,9 +36,12 @@ void WriteBytes(Message& message, const void* data, unsigned int length);
 // Bytes left to read in a message.
 unsigned int Remaining(Message& message);
 
-// u32 image length and the image, into a malloc'd buffer of length + 1 zeroed
-// bytes that the caller frees; an absent or empty image yields null and 0.
-void ReadImageOutput(Message& answer, void** ppImage, unsigned int* pImageLength);
+// Exchange, then an answer of a status byte, a u32 image length and the image,
+// read into a malloc'd buffer of length + 1 zeroed bytes that the caller frees
+// (an absent or empty image yields null and 0). With onlyOnSuccess, a non-zero
+// status leaves both outputs untouched. `outputs` formats them for the record.
+int StatusAndImage(DeviceRequest& req, void** ppImage, unsigned int* pImageLength, const char* outputs,
+                   bool onlyOnSuccess = false);
 
 // Exchange, then an answer of exactly a status byte and two bytes, read into
 // first and second whatever the status; `outputs` formats the two for the record.

@@ -52,10 +52,7 @@ int AICamera::AddFaceReturnImage(const void* pID, unsigned int nIDLength, void**
         return req.Result();
     req.Payload().WriteChar(kEnrolReturnImage);
     WriteSizedBytes(req.Payload(), pID, nIDLength);
-    if (!req.Exchange({AnswerLength::AtLeast(1, "tlvMessage.nLength < 1")}))
-        return req.Result();
-    ReadImageOutput(req.ReadStatus(), ppImage, pImageLength);
-    return req.Succeed(" ppImage : %p pImageLength : %d", *ppImage, *pImageLength);
+    return StatusAndImage(req, ppImage, pImageLength, " ppImage : %p pImageLength : %d");
 }
 
 int AICamera::AddFaceSlice(const void* pID, unsigned int nIDLength, unsigned int nImageTotalLength,

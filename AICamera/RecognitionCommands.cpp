@@ -8,6 +8,7 @@ namespace {
 const char* const kRecModeText = "nRecMode != MTC_MODE_RECOGNIZE_ONLY && nRecMode != MTC_MODE_RECOGNIZE_LIVE";
 const char* const kMulModeText = "nMulMode != MTC_MODE_RECOGNIZE_SINGLE && nMulMode != MTC_MODE_RECOGNIZE_MULTI";
 const char* const kLastSliceText = "(isLastSlice != 0) && (isLastSlice != 1)";
+const char* const kResImageOutputs = " ppResImage : %p pResImageLength : %d";
 
 // Tag 0x24 carries both forms of one-to-one recognition: a whole image is the
 // single, final slice at position 0.
@@ -113,10 +114,7 @@ int AICamera::StaticFaceCompare(void** ppResImage, unsigned int* pResImageLength
     DEVICE_REQUEST(req, 0x04);
     req.InvalidOutputOnFailure();
     req.Payload().WriteChar(kCompareLocal);
-    if (!req.Exchange({AnswerLength::AtLeast(1, "tlvMessage.nLength < 1")}))
-        return req.Result();
-    ReadImageOutput(req.ReadStatus(), ppResImage, pResImageLength);
-    return req.Succeed(" ppResImage : %p pResImageLength : %d", *ppResImage, *pResImageLength);
+    return StatusAndImage(req, ppResImage, pResImageLength, kResImageOutputs);
 }
 
 int AICamera::StaticFaceCompareReturnImage(const void* pImage, unsigned int nImageLength, void** ppResImage,
@@ -129,10 +127,7 @@ int AICamera::StaticFaceCompareReturnImage(const void* pImage, unsigned int nIma
         return req.Result();
     req.Payload().WriteChar(kCompareHostImage);
     WriteSizedBytes(req.Payload(), pImage, nImageLength);
-    if (!req.Exchange({AnswerLength::AtLeast(1, "tlvMessage.nLength < 1")}))
-        return req.Result();
-    ReadImageOutput(req.ReadStatus(), ppResImage, pResImageLength);
-    return req.Succeed(" ppResImage : %p pResImageLength : %d", *ppResImage, *pResImageLength);
+    return StatusAndImage(req, ppResImage, pResImageLength, kResImageOutputs);
 }
 
 int AICamera::StaticFaceCompareSlice(int nMode, unsigned int nImageTotalLength, unsigned int nPosition,
@@ -158,10 +153,6 @@ int AICamera::StaticFaceCompareSlice(int nMode, unsigned int nImageTotalLength, 
     payload.WriteInt(nPosition, kLittleEndian);
     payload.WriteChar(static_cast<unsigned char>(isLastSlice));
     WriteBytes(payload, pSliceData, nSliceDataLength);
-    if (!req.Exchange({AnswerLength::AtLeast(1, "tlvMessage.nLength < 1")}))
-        return req.Result();
-    Message& answer = req.ReadStatus();
-    if (req.Result() == 0)
-        ReadImageOutput(answer, ppResImage, pResImageLength);
-    return req.Succeed(" ppResImage : %p pResImageLength : %d", *ppResImage, *pResImageLength);
+    // Only a comparison that succeeded carries an image.
+    return StatusAndImage(req, ppResImage, pResImageLength, kResImageOutputs, true);
 }
