@@ -2,9 +2,11 @@
 
 #include <stdint.h>
 
+#include "../OS/OS_ByteOrder.h"
 #include "CommandManager.h"
 #include "Message.h"
 #include "Trace.h"
+#include "Transceiver.h"
 
 #define TRACE_FILE "CommandExecutor"
 
@@ -25,28 +27,12 @@ struct CrcTable {
         }
     }
 };
-
-unsigned int ReadBE32(const unsigned char* p)
-{
-    return (static_cast<unsigned int>(p[0]) << 24) | (static_cast<unsigned int>(p[1]) << 16) |
-           (static_cast<unsigned int>(p[2]) << 8) | p[3];
-}
-
-// The tag of the first record; bytes the payload does not hold count as zero.
-unsigned short FirstTag(const unsigned char* payload, unsigned int size)
-{
-    unsigned short tag = size > 0 ? payload[0] : 0;
-    if (size > 1)
-        tag = static_cast<unsigned short>(tag | (payload[1] << 8));
-    return tag;
-}
 }  // namespace
 
-CommandExecutor::CommandExecutor(CommandManager* manager) : m_pManager(manager), m_pPending(nullptr)
+CommandExecutor::CommandExecutor(CommandManager* manager)
+    : m_pManager(manager), m_pTransceiver(nullptr), m_bBusy(false), m_bAborted(false), m_pPending(nullptr),
+      m_bAnswered(false)
 {
-    m_hMutex.Init();
-    m_hSemaphore.Init(0);
-    m_hPendingMutex.Init();
 }
 
 CommandExecutor::~CommandExecutor() { m_pManager = nullptr; }
@@ -60,10 +46,8 @@ unsigned int CommandExecutor::GetCheckSums(unsigned char* data, unsigned int len
     return crc;
 }
 
-int CommandExecutor::Send(SyncCommand* cmd)
+int CommandExecutor::Frame(SyncCommand* cmd, Message& frame)
 {
-    if (!cmd)
-        return -1;
     void* payload = nullptr;
     unsigned int size = 0;
     if (cmd->GetRequest(&payload, &size) != 0)
@@ -71,53 +55,91 @@ int CommandExecutor::Send(SyncCommand* cmd)
     // The whole frame must fit the port's int-sized write.
     if (static_cast<uint64_t>(size) + kFrameOverhead > INT32_MAX)
         return -2;
-    Message frame;
     if (frame.WriteChar(kHostMarker) != 0 || frame.WriteInt(size, 0) != 0 || frame.WriteData(payload, size) != 0)
         return -2;
     void* bytes = nullptr;
     unsigned int length = 0;
     frame.GetData(&bytes, &length);
     unsigned int checksum = GetCheckSums(static_cast<unsigned char*>(bytes), length);
-    if (frame.WriteInt(checksum, 0) != 0)
-        return -2;
-    frame.GetData(&bytes, &length);
-    Transceiver* transceiver = m_pManager ? m_pManager->GetTransceiver() : nullptr;
-    if (!transceiver)
-        return -3;
-    // Only a write of zero bytes counts as a failure.
-    return transceiver->SendData(bytes, static_cast<int>(length)) == 0 ? -3 : 0;
+    return frame.WriteInt(checksum, 0) != 0 ? -2 : 0;
 }
 
-void CommandExecutor::SetPending(SyncCommand* cmd)
+int CommandExecutor::Write(Message& frame, Clock::time_point deadline)
 {
-    m_hPendingMutex.Lock();
-    if (cmd) {
-        // An answer that came after an earlier time-out must not complete this request.
-        while (m_hSemaphore.TryWait() == 0) {
-        }
+    void* bytes = nullptr;
+    unsigned int length = 0;
+    frame.GetData(&bytes, &length);
+    long long left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    if (!m_pTransceiver || left <= 0)
+        return -3;
+    {
+        std::lock_guard<std::mutex> guard(m_hMutex);
+        if (m_bAborted)
+            return -3;
     }
-    m_pPending = cmd;
-    m_hPendingMutex.Unlock();
+    // A frame cut short can never be answered: only a whole one counts.
+    int written = m_pTransceiver->SendData(bytes, static_cast<int>(length), static_cast<int>(left));
+    return written == static_cast<int>(length) ? 0 : -3;
+}
+
+int CommandExecutor::Send(SyncCommand* cmd)
+{
+    if (!cmd)
+        return -1;
+    Message frame;
+    if (Frame(cmd, frame) != 0)
+        return -2;
+    return Write(frame, Clock::now() + std::chrono::milliseconds(cmd->GetTimeout()));
 }
 
 int CommandExecutor::Execute(SyncCommand* cmd)
 {
     if (!cmd)
         return -1;
-    m_hMutex.Lock();
+    Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(cmd->GetTimeout());
+    Message frame;
+    int result = Frame(cmd, frame);
+    std::unique_lock<std::mutex> lock(m_hMutex);
+    if (result == 0 && !m_hChanged.wait_until(lock, deadline, [this] { return !m_bBusy || m_bAborted; })) {
+        // Still queued at the deadline: nothing was sent.
+        TRACE_AT(LOG_LEVER_TRACE, "m_hSemaphore Wait Timeout: %d\n", cmd->GetTimeout());
+        return -3;
+    }
+    if (result != 0 || m_bAborted) {
+        TRACE_AT(LOG_LEVER_TRACE, "Send nRet: %d\n", result != 0 ? result : -3);
+        return -2;
+    }
     // Pending before the frame leaves, so that no answer can come too early for it.
-    SetPending(cmd);
-    int result = Send(cmd);
-    if (result != 0) {
-        TRACE_AT(LOG_LEVER_TRACE, "Send nRet: %d\n", result);
+    m_bBusy = true;
+    m_pPending = cmd;
+    m_bAnswered = false;
+    lock.unlock();
+    int sent = Write(frame, deadline);
+    lock.lock();
+    if (sent != 0) {
+        TRACE_AT(LOG_LEVER_TRACE, "Send nRet: %d\n", sent);
         result = -2;
-    } else if (m_hSemaphore.Wait(static_cast<int>(cmd->GetTimeout())) != 0) {
+    } else if (!m_hChanged.wait_until(lock, deadline, [this] { return m_bAnswered || m_bAborted; }) ||
+               !m_bAnswered) {
         TRACE_AT(LOG_LEVER_TRACE, "m_hSemaphore Wait Timeout: %d\n", cmd->GetTimeout());
         result = -3;
     }
-    SetPending(nullptr);
-    m_hMutex.Unlock();
+    // An answer that comes after this can complete no later request.
+    m_pPending = nullptr;
+    m_bAnswered = false;
+    m_bBusy = false;
+    lock.unlock();
+    m_hChanged.notify_all();
     return result;
+}
+
+void CommandExecutor::Abort()
+{
+    {
+        std::lock_guard<std::mutex> guard(m_hMutex);
+        m_bAborted = true;
+    }
+    m_hChanged.notify_all();
 }
 
 int CommandExecutor::Process(void* frame, unsigned int len)
@@ -131,19 +153,21 @@ int CommandExecutor::Process(void* frame, unsigned int len)
         return -3;
     if (len < kHeaderSize)
         return -4;
-    unsigned int size = ReadBE32(bytes + 1);
+    unsigned int size = OS_ReadBigEndian32(bytes + 1);
     if (len < static_cast<uint64_t>(size) + kFrameOverhead)
         return -4;
     unsigned char* payload = bytes + kHeaderSize;
-    unsigned int stored = ReadBE32(payload + size);
+    unsigned int stored = OS_ReadBigEndian32(payload + size);
     if (stored != GetCheckSums(bytes, len - 4))
         return -5;
-    unsigned short tag = FirstTag(payload, size);
+    // The first two bytes after the length; of a payload shorter than that,
+    // the checksum supplies the rest.
+    unsigned short tag = static_cast<unsigned short>(OS_ReadLittleEndian16(payload));
     TRACE_AT(LOG_LEVER_TRACE, "Recv Tag : %04X\n", tag);
     AsyncCommand* handler = m_pManager ? m_pManager->GetCommand(tag) : nullptr;
     if (handler) {
         handler->SetReport(payload, size);
-        // The handler may stop transmission and so delete this executor: touch nothing after it.
+        // The handler may stop transmission: touch nothing after it.
         handler->Process();
         return 0;
     }
@@ -152,16 +176,17 @@ int CommandExecutor::Process(void* frame, unsigned int len)
 
 int CommandExecutor::DeliverAnswer(unsigned short tag, void* payload, unsigned int size)
 {
-    m_hPendingMutex.Lock();
-    if (m_pPending) {
-        if (m_pPending->GetTag() != tag) {
-            TRACE_AT(LOG_LEVER_TRACE, "Tag : %04X isn't handle\n", tag);
-        } else {
-            TRACE_AT(LOG_LEVER_TRACE, "Get Tag : %04X\n", tag);
-            m_pPending->SetResponse(payload, size);
-            m_hSemaphore.Post();
-        }
+    std::unique_lock<std::mutex> lock(m_hMutex);
+    if (!m_pPending)
+        return 0;
+    if (m_pPending->GetTag() != tag) {
+        TRACE_AT(LOG_LEVER_TRACE, "Tag : %04X isn't handle\n", tag);
+        return 0;
     }
-    m_hPendingMutex.Unlock();
+    TRACE_AT(LOG_LEVER_TRACE, "Get Tag : %04X\n", tag);
+    m_pPending->SetResponse(payload, size);
+    m_bAnswered = true;
+    lock.unlock();
+    m_hChanged.notify_all();
     return 0;
 }

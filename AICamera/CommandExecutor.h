@@ -4,14 +4,22 @@
 //
 // Frame: marker (0x1A to the module, 0xA1 from it), payload length u32 BE,
 // payload, CRC-32/JAMCRC u32 BE over marker, length and payload.
+//
+// One request is in flight at a time; the others queue for their turn. Every
+// wait, the queue included, ends at the request's deadline (its timeout from
+// the call), and all of them end at once when the link is aborted.
 #ifndef AICAMERA_COMMANDEXECUTOR_H
 #define AICAMERA_COMMANDEXECUTOR_H
 
-#include "../OS/OS_Mutex.h"
-#include "../OS/OS_Semaphore.h"
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
 #include "Command.h"
 
 class CommandManager;
+class Message;
+class Transceiver;
 
 class CommandExecutor {
 public:
@@ -20,21 +28,39 @@ public:
     CommandExecutor(const CommandExecutor&) = delete;
     CommandExecutor& operator=(const CommandExecutor&) = delete;
 
+    // Where frames go out; set once, before the port opens.
+    void SetTransceiver(Transceiver* transceiver) { m_pTransceiver = transceiver; }
+
+    // Sends without taking a turn or waiting: 0 sent whole; -1 cmd null;
+    // -2 the request could not be read; -3 the frame could not be written.
     int Send(SyncCommand* cmd);
+    // 0 answered (the answer is now in cmd); -1 cmd null; -2 the request could
+    // not be framed or sent, or the link is gone; -3 no answer (or no turn) in time.
     int Execute(SyncCommand* cmd);
     int Process(void* frame, unsigned int len);
+    // The link is gone or going: every waiting and queued request fails now,
+    // and every later one at once.
+    void Abort();
     static unsigned int GetCheckSums(unsigned char* data, unsigned int len);
 
 private:
+    using Clock = std::chrono::steady_clock;
+
+    // The request's frame, built from a copy of its payload: an answer may
+    // replace the payload while the frame goes out.
+    static int Frame(SyncCommand* cmd, Message& frame);
+    int Write(Message& frame, Clock::time_point deadline);
     int DeliverAnswer(unsigned short tag, void* payload, unsigned int size);
-    void SetPending(SyncCommand* cmd);
 
     CommandManager* m_pManager;
-    SyncCommand* m_pPending;
-    OS_Mutex m_hMutex;
-    OS_Semaphore m_hSemaphore;
-    // Guards m_pPending between Execute and Process; never held across the wait.
-    OS_Mutex m_hPendingMutex;
+    Transceiver* m_pTransceiver;
+    // Guards the fields below; never held across a write or a callback.
+    std::mutex m_hMutex;
+    std::condition_variable m_hChanged;
+    bool m_bBusy;            // a request holds the turn
+    bool m_bAborted;
+    SyncCommand* m_pPending; // the request whose answer is awaited
+    bool m_bAnswered;
 };
 
 #endif

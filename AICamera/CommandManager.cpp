@@ -12,26 +12,72 @@ namespace {
 const size_t kPortNameSize = 255;
 }  // namespace
 
-CommandManager::CommandManager() : m_pExecutor(nullptr), m_pTransceiver(nullptr) { m_hCommandsMutex.Init(); }
+CommandManager::CommandManager()
+    : m_state(LINK_STOPPED), m_nCallers(0), m_pExecutor(nullptr), m_pTransceiver(nullptr), m_pStopping(nullptr)
+{
+}
 
 CommandManager::~CommandManager()
 {
-    if (m_pTransceiver)
-        StopDataTransmit();
+    StopDataTransmit();
+    FreeRetiredLinks();
     ClearCommands();
 }
 
 void CommandManager::ClearCommands()
 {
-    m_hCommandsMutex.Lock();
+    std::lock_guard<std::mutex> guard(m_commandsLock);
     m_commands.clear();
-    m_hCommandsMutex.Unlock();
 }
 
 CommandManager* CommandManager::GetInstance()
 {
     static CommandManager instance;
     return &instance;
+}
+
+CommandExecutor* CommandManager::GetExecutor()
+{
+    std::lock_guard<std::mutex> guard(m_linkLock);
+    return m_pExecutor;
+}
+
+Transceiver* CommandManager::GetTransceiver()
+{
+    std::lock_guard<std::mutex> guard(m_linkLock);
+    return m_pTransceiver;
+}
+
+bool CommandManager::WaitWhileStopping(std::unique_lock<std::mutex>& lock)
+{
+    while (m_state == LINK_STOPPING) {
+        // The stopping thread may be joining this very thread.
+        if (m_pStopping->IsListenerThread())
+            return false;
+        m_linkChanged.wait(lock);
+    }
+    return true;
+}
+
+void CommandManager::FreeRetiredLinks()
+{
+    std::vector<Link> ended;
+    {
+        std::lock_guard<std::mutex> guard(m_linkLock);
+        for (auto it = m_retired.begin(); it != m_retired.end();) {
+            if (it->pTransceiver->IsListenerThread()) {
+                ++it;
+                continue;
+            }
+            ended.push_back(*it);
+            it = m_retired.erase(it);
+        }
+    }
+    // Joins each thread, once it has left the report callback that stopped it.
+    for (const Link& link : ended) {
+        delete link.pTransceiver;
+        delete link.pExecutor;
+    }
 }
 
 int CommandManager::StartDataTransmit(void* port)
@@ -44,78 +90,108 @@ int CommandManager::StartDataTransmit(void* port)
         return -4;
     }
     StopDataTransmit();
-    if (m_pTransceiver)
+    std::unique_lock<std::mutex> lock(m_linkLock);
+    if (!WaitWhileStopping(lock) || m_state != LINK_STOPPED)
         return -1;
     char portName[kPortNameSize] = {0};
     memcpy(portName, name, strlen(name));
     // The executor exists before the port opens, so that no frame finds none.
-    m_pExecutor = new (std::nothrow) CommandExecutor(this);
-    m_pTransceiver = m_pExecutor ? new (std::nothrow) Transceiver(this) : nullptr;
-    if (!m_pTransceiver || m_pTransceiver.load()->Init(portName) != 0) {
-        if (m_pTransceiver)
-            m_pTransceiver.load()->Destroy();
-        delete m_pTransceiver.load();
-        delete m_pExecutor.load();
-        m_pTransceiver = nullptr;
-        m_pExecutor = nullptr;
+    CommandExecutor* executor = new (std::nothrow) CommandExecutor(this);
+    Transceiver* transceiver = executor ? new (std::nothrow) Transceiver(this, executor) : nullptr;
+    if (transceiver)
+        executor->SetTransceiver(transceiver);
+    if (!transceiver || transceiver->Init(portName) != 0) {
+        if (transceiver)
+            transceiver->Destroy();
+        delete transceiver;
+        delete executor;
         return -2;
     }
+    m_pExecutor = executor;
+    m_pTransceiver = transceiver;
+    m_state = LINK_RUNNING;
     return 0;
 }
 
 int CommandManager::StopDataTransmit()
 {
-    if (!m_pTransceiver)
+    std::unique_lock<std::mutex> lock(m_linkLock);
+    if (!WaitWhileStopping(lock) || m_state != LINK_RUNNING) {
+        lock.unlock();
+        FreeRetiredLinks();
         return -1;
-    Transceiver* transceiver = m_pTransceiver.exchange(nullptr);
-    bool onListener = transceiver->IsListenerThread();
-    transceiver->Destroy();
-    // A report callback that stops transmission runs inside the transceiver:
-    // it goes when the listener thread unwinds.
-    if (onListener)
-        transceiver->DeleteOnListenerExit();
-    else
-        delete transceiver;
-    delete m_pExecutor.exchange(nullptr);
+    }
+    Link link = {m_pTransceiver, m_pExecutor};
+    m_pTransceiver = nullptr;
+    m_pExecutor = nullptr;
+    m_pStopping = link.pTransceiver;
+    m_state = LINK_STOPPING;
+    // Waiting and queued requests, and a write in progress, give up now.
+    link.pTransceiver->Interrupt();
+    m_linkChanged.wait(lock, [this] { return m_nCallers == 0; });
+    lock.unlock();
+
+    bool onListener = link.pTransceiver->IsListenerThread();
+    link.pTransceiver->Destroy();
     ClearCommands();
+
+    lock.lock();
+    if (onListener)
+        m_retired.push_back(link);
+    m_pStopping = nullptr;
+    m_state = LINK_STOPPED;
+    lock.unlock();
+    m_linkChanged.notify_all();
+    if (!onListener) {
+        delete link.pTransceiver;
+        delete link.pExecutor;
+    }
+    FreeRetiredLinks();
     return 0;
 }
 
 int CommandManager::Execute(SyncCommand* cmd, bool wait)
 {
-    CommandExecutor* executor = m_pExecutor.load();
-    if (!cmd || !executor)
+    if (!cmd)
         return -1;
-    return wait ? executor->Execute(cmd) : executor->Send(cmd);
+    CommandExecutor* executor = nullptr;
+    {
+        std::lock_guard<std::mutex> guard(m_linkLock);
+        if (m_state != LINK_RUNNING)
+            return -1;
+        executor = m_pExecutor;
+        ++m_nCallers;
+    }
+    int result = wait ? executor->Execute(cmd) : executor->Send(cmd);
+    {
+        std::lock_guard<std::mutex> guard(m_linkLock);
+        --m_nCallers;
+    }
+    m_linkChanged.notify_all();
+    return result;
 }
 
 int CommandManager::Register(AsyncCommand* cmd)
 {
     if (!cmd)
         return -1;
-    if (GetCommand(cmd->GetTag()))
-        return -9;
-    int result = 0;
-    m_hCommandsMutex.Lock();
+    std::lock_guard<std::mutex> guard(m_commandsLock);
+    for (AsyncCommand* registered : m_commands)
+        if (registered->GetTag() == cmd->GetTag())
+            return -9;
     try {
         m_commands.push_back(cmd);
     } catch (const std::bad_alloc&) {
-        result = -1;
+        return -1;
     }
-    m_hCommandsMutex.Unlock();
-    return result;
+    return 0;
 }
 
 AsyncCommand* CommandManager::GetCommand(unsigned short tag)
 {
-    AsyncCommand* found = nullptr;
-    m_hCommandsMutex.Lock();
-    for (AsyncCommand* cmd : m_commands) {
-        if (cmd->GetTag() == tag) {
-            found = cmd;
-            break;
-        }
-    }
-    m_hCommandsMutex.Unlock();
-    return found;
+    std::lock_guard<std::mutex> guard(m_commandsLock);
+    for (AsyncCommand* cmd : m_commands)
+        if (cmd->GetTag() == tag)
+            return cmd;
+    return nullptr;
 }

@@ -1,13 +1,28 @@
 // The process-wide owner of the serial link: starts and stops data
 // transmission on a named port, executes requests and keeps the registry of
 // report handlers.
+//
+// The link's life, guarded by m_linkLock:
+//   STOPPED  StartDataTransmit opens the port (-> RUNNING); Execute gives -1;
+//            StopDataTransmit gives -1.
+//   RUNNING  Execute runs requests (counted in m_nCallers); the listener
+//            thread delivers answers and reports; a hang-up aborts the
+//            executor, so requests fail at once until the next start;
+//            StopDataTransmit (any thread, a report callback included) -> STOPPING.
+//   STOPPING the stopping thread aborts the executor and the port, waits for
+//            the counted requests to return, closes the port and frees the
+//            link (-> STOPPED). Execute gives -1; another StopDataTransmit or
+//            StartDataTransmit waits for STOPPED, except on the listener thread
+//            of the link being stopped, where it gives -1 at once.
+// A link stopped from its own listener thread cannot join that thread: it is
+// kept as retired and freed by the next start or stop on another thread.
 #ifndef AICAMERA_COMMANDMANAGER_H
 #define AICAMERA_COMMANDMANAGER_H
 
-#include <atomic>
+#include <condition_variable>
+#include <mutex>
 #include <vector>
 
-#include "../OS/OS_Mutex.h"
 #include "Command.h"
 #include "CommandExecutor.h"
 #include "Transceiver.h"
@@ -22,8 +37,10 @@ public:
     int Register(AsyncCommand* cmd);
     AsyncCommand* GetCommand(unsigned short tag);
 
-    CommandExecutor* GetExecutor() { return m_pExecutor.load(); }
-    Transceiver* GetTransceiver() { return m_pTransceiver.load(); }
+    // The running link's parts, null when stopped; for programs that drive
+    // the receive path by hand.
+    CommandExecutor* GetExecutor();
+    Transceiver* GetTransceiver();
 
     CommandManager();
     ~CommandManager();
@@ -31,15 +48,31 @@ public:
     CommandManager& operator=(const CommandManager&) = delete;
 
 private:
-    void ClearCommands();
+    enum LinkState { LINK_STOPPED, LINK_RUNNING, LINK_STOPPING };
+    struct Link {
+        Transceiver* pTransceiver;
+        CommandExecutor* pExecutor;
+    };
 
-    // Read on the listener thread while connect and disconnect change them.
-    std::atomic<CommandExecutor*> m_pExecutor;
-    std::atomic<Transceiver*> m_pTransceiver;
+    void ClearCommands();
+    // Frees the links retired by their own listener threads, but the calling thread's.
+    void FreeRetiredLinks();
+    // Waits out another thread's stop; false on the listener thread being stopped.
+    bool WaitWhileStopping(std::unique_lock<std::mutex>& lock);
+
+    std::mutex m_linkLock;
+    std::condition_variable m_linkChanged;
+    LinkState m_state;
+    int m_nCallers;
+    CommandExecutor* m_pExecutor;
+    Transceiver* m_pTransceiver;
+    // The transceiver whose stop is under way (its listener thread may ask).
+    Transceiver* m_pStopping;
+    std::vector<Link> m_retired;
     // Not owned: the handlers outlive their registration. Registration
     // follows the start, so frames may be looked up meanwhile: hence the lock.
     std::vector<AsyncCommand*> m_commands;
-    OS_Mutex m_hCommandsMutex;
+    std::mutex m_commandsLock;
 };
 
 #endif

@@ -4,6 +4,8 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "../OS/OS_ByteOrder.h"
+
 Message::Message()
 {
     Init();
@@ -76,10 +78,7 @@ int Message::WriteOrdered(unsigned int v, unsigned int size, bool bigEndian)
 {
     if (GrowData(size) != 0)
         return -1;
-    for (unsigned int i = 0; i < size; ++i) {
-        unsigned int shift = 8 * (bigEndian ? size - 1 - i : i);
-        m_pData[m_nLength + i] = static_cast<unsigned char>(v >> shift);
-    }
+    OS_WriteOrdered(m_pData + m_nLength, v, size, bigEndian);
     m_nLength += size;
     return 0;
 }
@@ -91,11 +90,7 @@ bool Message::CanRead(unsigned int n) const
 
 unsigned int Message::ReadOrdered(unsigned int size, bool bigEndian)
 {
-    unsigned int v = 0;
-    for (unsigned int i = 0; i < size; ++i) {
-        unsigned int shift = 8 * (bigEndian ? size - 1 - i : i);
-        v |= static_cast<unsigned int>(m_pData[m_nPosition + i]) << shift;
-    }
+    unsigned int v = OS_ReadOrdered(m_pData + m_nPosition, size, bigEndian);
     m_nPosition += size;
     return v;
 }

@@ -1,11 +1,13 @@
 #include "Transceiver.h"
 
-#include <stdint.h>
+#include <errno.h>
 #include <stdlib.h>
 #include <string.h>
 
+#include <chrono>
+
+#include "../OS/OS_ByteOrder.h"
 #include "CommandExecutor.h"
-#include "CommandManager.h"
 #include "Trace.h"
 
 #define TRACE_FILE "Transceiver"
@@ -13,19 +15,25 @@
 namespace {
 const unsigned char kModuleMarker = 0xA1;
 const int kFrameOverhead = 9;
+
+// A read error that no later read recovers from: the module is gone.
+bool IsLinkFailure(int error) { return error != EAGAIN && error != EWOULDBLOCK && error != EINTR; }
 }  // namespace
 
-Transceiver::Transceiver(CommandManager* manager)
+Transceiver::Transceiver(CommandManager* manager, CommandExecutor* executor)
     : m_pPortName(nullptr),
       m_pBuffer(static_cast<unsigned char*>(calloc(DATA_BUFFER_SIZE, 1))),
       m_nReadPos(0),
       m_nWritePos(0),
-      m_pManager(manager)
+      m_pManager(manager),
+      m_pExecutor(executor),
+      m_bClosed(false)
 {
 }
 
 Transceiver::~Transceiver()
 {
+    m_serial.Close();
     free(m_pBuffer);
     m_pBuffer = nullptr;
     free(m_pPortName);
@@ -40,21 +48,40 @@ int Transceiver::Init(char* port)
     m_serial.Close();
     free(m_pPortName);
     m_pPortName = port ? strdup(port) : nullptr;
+    m_bClosed = false;
     return m_serial.Open(port, this);
 }
 
 int Transceiver::Destroy()
 {
+    m_bClosed = true;
     free(m_pPortName);
     m_pPortName = nullptr;
     return m_serial.Close();
 }
 
-int Transceiver::SendData(void* data, int len) { return m_serial.Write(data, len); }
+int Transceiver::SendData(void* data, int len) { return SendData(data, len, -1); }
 
-bool Transceiver::IsListenerThread() const { return m_serial.IsListenerThread(); }
+int Transceiver::SendData(void* data, int len, int timeoutMs)
+{
+    std::unique_lock<std::timed_mutex> frame(m_writeLock, std::defer_lock);
+    if (timeoutMs < 0)
+        frame.lock();
+    else if (!frame.try_lock_for(std::chrono::milliseconds(timeoutMs)))
+        return 0;
+    return m_serial.Write(data, len, timeoutMs);
+}
 
-void Transceiver::DeleteOnListenerExit() { m_serial.DeleteListenerOnExit(this); }
+bool Transceiver::IsListenerThread() const { return OS_Serial::IsListenerThreadOf(this); }
+
+void Transceiver::Interrupt()
+{
+    m_serial.Interrupt();
+    if (m_pExecutor)
+        m_pExecutor->Abort();
+}
+
+void Transceiver::hangup() { Interrupt(); }
 
 void Transceiver::process(int event)
 {
@@ -63,8 +90,15 @@ void Transceiver::process(int event)
     // Edge-triggered: read until the port has nothing more.
     for (;;) {
         int count = m_serial.Read(m_pBuffer + m_nWritePos, DATA_BUFFER_SIZE - m_nWritePos);
-        if (count < 1)
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 1) {
+            if (count < 0 && IsLinkFailure(errno)) {
+                TRACE_AT(LOG_LEVER_ERROR, "read Return Fail | Errno: %d %s\n", errno, strerror(errno));
+                Interrupt();
+            }
             return;
+        }
         m_nWritePos += count;
         if (m_nWritePos > DATA_BUFFER_SIZE) {
             TRACE_AT(LOG_LEVER_FATAL, "m_nWritePos overflow : %d DATA_BUFFER_SIZE : %d\n", m_nWritePos,
@@ -92,23 +126,23 @@ bool Transceiver::Dispatch()
 {
     while (m_nWritePos - m_nReadPos > kFrameOverhead) {
         unsigned char* start = m_pBuffer + m_nReadPos;
-        if (start[0] != kModuleMarker) {
-            // No search for the next marker: everything buffered is dropped.
+        uint64_t size = OS_ReadBigEndian32(start + 1);
+        // No search for the next marker: a wrong byte at a frame boundary, or a
+        // frame that could never fit the buffer, drops everything buffered.
+        if (start[0] != kModuleMarker || size + kFrameOverhead > DATA_BUFFER_SIZE) {
             m_nReadPos = 0;
             m_nWritePos = 0;
             return true;
         }
-        uint64_t size = (static_cast<uint64_t>(start[1]) << 24) | (start[2] << 16) | (start[3] << 8) | start[4];
         uint64_t available = static_cast<uint64_t>(m_nWritePos - m_nReadPos);
         if (available <= size + kFrameOverhead - 1)
             break;
         unsigned int frameSize = static_cast<unsigned int>(size + kFrameOverhead);
         m_nReadPos += static_cast<int>(frameSize);
-        CommandExecutor* executor = m_pManager ? m_pManager->GetExecutor() : nullptr;
-        if (executor)
-            executor->Process(start, frameSize);
-        // A report callback may have closed the port; then nothing here is ours to touch.
-        if (m_serial.ClosedByListener())
+        if (m_pExecutor)
+            m_pExecutor->Process(start, frameSize);
+        // A report callback may have closed the port; then read nothing more.
+        if (m_bClosed)
             return false;
     }
     // Unprocessed bytes move to the front once per read.

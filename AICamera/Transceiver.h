@@ -1,33 +1,44 @@
 // Listens on the serial port: reads what the module sends into one fixed
-// buffer, cuts it into frames for the command executor, and writes frames out.
+// buffer, cuts it into frames for the command executor, and writes frames out,
+// each whole and never interleaved with another.
 #ifndef AICAMERA_TRANSCEIVER_H
 #define AICAMERA_TRANSCEIVER_H
+
+#include <atomic>
+#include <mutex>
 
 #include "../OS/Serial_Linux/OS_Serial.h"
 
 #define DATA_BUFFER_SIZE 0x20000
 
 class CommandManager;
+class CommandExecutor;
 
 class Transceiver : public OS_Serial_Listener {
 public:
-    explicit Transceiver(CommandManager* manager);
+    // Received frames go to `executor`, which outlives the listener thread.
+    Transceiver(CommandManager* manager, CommandExecutor* executor);
     ~Transceiver() override;
     Transceiver(const Transceiver&) = delete;
     Transceiver& operator=(const Transceiver&) = delete;
 
     int Init(char* port);
     int Destroy();
+    // Writes one whole frame under the write lock: the bytes written, len on success.
     int SendData(void* data, int len);
+    int SendData(void* data, int len, int timeoutMs);
     void process(int event) override;
+    // The port hung up: the executor fails what waits and what comes.
+    void hangup() override;
+    // The link is going: requests that wait, writes in progress and everything
+    // later fail at once. Callable from any thread.
+    void Interrupt();
 
     // Takes bytes as if they had been read from the port; for programs that
     // drive the receive path without a port. Returns the count taken.
     int Receive(const void* data, int len);
     // True on the port's listener thread (a report callback runs there).
     bool IsListenerThread() const;
-    // Destroy called on the listener thread: this object goes when it unwinds.
-    void DeleteOnListenerExit();
 
 private:
     // Cuts the buffered bytes into frames; false when the port was closed meanwhile.
@@ -39,6 +50,11 @@ private:
     int m_nReadPos;
     int m_nWritePos;
     CommandManager* m_pManager;
+    CommandExecutor* m_pExecutor;
+    // One frame's writes at a time, from requests and acknowledgements alike.
+    std::timed_mutex m_writeLock;
+    // Set by Destroy; a report callback may call it on the listener thread.
+    std::atomic<bool> m_bClosed;
 };
 
 #endif

@@ -6,7 +6,10 @@
 #include <pthread.h>
 #include <string.h>
 #include <sys/epoll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
 #include <termios.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <new>
@@ -16,16 +19,14 @@
 
 #define TRACE_FILE "OS_Serial"
 
-// The open port, kept apart from the OS_Serial object so that a listener
-// thread that closes its own port can finish with it after the object is gone.
+// The open port. The listener thread works on this record only.
 struct OS_SerialPort {
-    int nFd = 0;
+    int nFd = -1;
     int nPipeFd[2] = {-1, -1};
     pthread_t* pThread = nullptr;
     OS_Serial_Listener* pListener = nullptr;
-    // Set when Close ran on the listener thread: the thread tears down.
-    bool bClosing = false;
-    OS_Serial_Listener* pDeleteOnExit = nullptr;
+    // Set by a Close inside the listener's process(): the thread ends after it.
+    bool bClosedFromListener = false;
 };
 
 namespace {
@@ -33,9 +34,12 @@ const char kDefaultDevDir[] = "/dev/";
 const char kSerialNodeName[] = "ttyACM";
 // How long a write waits for the line to take more bytes.
 const int kWriteStallMs = 1000;
+// How often a waiting write looks for an interruption.
+const int kWriteSliceMs = 50;
 const int kMaxEvents = 5;
 
-thread_local OS_SerialPort* t_pListenedPort = nullptr;
+// The listener that this thread serves, on listener threads.
+thread_local const OS_Serial_Listener* t_pServedListener = nullptr;
 
 void CloseIfOpen(int* fd)
 {
@@ -44,14 +48,44 @@ void CloseIfOpen(int* fd)
     *fd = -1;
 }
 
-// Closes every descriptor of the port and frees it; the thread is over by now.
-void FreePort(OS_SerialPort* port)
+void CloseDescriptors(OS_SerialPort* port)
 {
+    if (port->nFd >= 0)
+        ioctl(port->nFd, TIOCNXCL);  // the exclusive mark outlives us on a tty still open elsewhere
+    CloseIfOpen(&port->nFd);
     CloseIfOpen(&port->nPipeFd[0]);
     CloseIfOpen(&port->nPipeFd[1]);
-    CloseIfOpen(&port->nFd);
+}
+
+void FreePort(OS_SerialPort* port)
+{
+    CloseDescriptors(port);
     delete port->pThread;
     delete port;
+}
+
+bool OnListenerThread(const OS_SerialPort* port)
+{
+    return port && port->pThread && pthread_equal(*port->pThread, pthread_self());
+}
+
+// A terminal that no other process holds: another program on the port would
+// steal the module's answers, and frames written into a plain file destroy it.
+bool ClaimTerminal(int fd)
+{
+    struct termios settings;
+    if (tcgetattr(fd, &settings) != 0) {
+        TRACE_AT(LOG_LEVER_ERROR, "tcgetattr Return Fail | Errno: %d %s\n", errno, strerror(errno));
+        return false;
+    }
+    if (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        int cause = errno == EWOULDBLOCK ? EBUSY : errno;
+        TRACE_AT(LOG_LEVER_ERROR, "flock Return Fail | Errno: %d %s\n", cause, strerror(cause));
+        return false;
+    }
+    // Keeps out programs that do not lock, too (root passes it regardless).
+    ioctl(fd, TIOCEXCL);
+    return true;
 }
 
 bool WatchInput(int epollFd, int fd)
@@ -63,18 +97,19 @@ bool WatchInput(int epollFd, int fd)
     return epoll_ctl(epollFd, EPOLL_CTL_ADD, fd, &event) == 0;
 }
 
-// Waits on the device and the wake-up pipe; true when the thread should end.
+// True when the thread should end.
 bool HandleEvents(OS_SerialPort* port, const struct epoll_event* events, int count)
 {
     for (int i = 0; i < count; ++i) {
         if (events[i].data.fd == port->nFd) {
             if (events[i].events & (EPOLLERR | EPOLLHUP)) {
                 TRACE_AT(LOG_LEVER_ERROR, "Device Pull Out\n");
+                port->pListener->hangup();
                 return true;
             }
             if (events[i].events & EPOLLIN) {
                 port->pListener->process(1);
-                if (port->bClosing)
+                if (port->bClosedFromListener)
                     return true;
             }
         } else if (events[i].data.fd == port->nPipeFd[0] && (events[i].events & EPOLLIN)) {
@@ -116,23 +151,42 @@ void RunListenLoop(OS_SerialPort* port)
     close(epollFd);
 }
 
-// True when the port can take more bytes before the line stalls for too long.
-bool WaitWritable(int fd)
+long long NowMs()
+{
+    struct timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<long long>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+}
+
+void WaitWritable(int fd, int ms)
 {
     struct pollfd ready = {fd, POLLOUT, 0};
-    return poll(&ready, 1, kWriteStallMs) == 1 && (ready.revents & POLLOUT);
+    poll(&ready, 1, ms);
 }
 }  // namespace
 
-OS_Serial::OS_Serial() : m_pSerial(nullptr), m_pListener(nullptr), m_pDetached(nullptr) {}
+OS_Serial::OS_Serial() : m_pSerial(nullptr), m_pListener(nullptr), m_pEnded(nullptr), m_bInterrupted(false) {}
 
-OS_Serial::~OS_Serial() { Close(); }
+OS_Serial::~OS_Serial()
+{
+    Close();
+    JoinEndedListener();
+}
 
 bool OS_Serial::IsOpen() const { return m_pSerial != nullptr; }
 
-bool OS_Serial::IsListenerThread() const
+bool OS_Serial::IsListenerThreadOf(const OS_Serial_Listener* listener)
 {
-    return t_pListenedPort && (t_pListenedPort == m_pSerial || t_pListenedPort == m_pDetached);
+    return listener && t_pServedListener == listener;
+}
+
+void OS_Serial::JoinEndedListener()
+{
+    if (!m_pEnded || OnListenerThread(m_pEnded))
+        return;
+    pthread_join(*m_pEnded->pThread, nullptr);
+    FreePort(m_pEnded);
+    m_pEnded = nullptr;
 }
 
 int OS_Serial::Open(char const* path)
@@ -142,26 +196,31 @@ int OS_Serial::Open(char const* path)
         return -1;
     }
     Close();
-    m_pDetached = nullptr;
+    m_bInterrupted = false;
     OS_SerialPort* port = new (std::nothrow) OS_SerialPort;
     if (!port)
         return -1;
-    port->nFd = open(path, O_RDWR | O_NOCTTY | O_NONBLOCK);
+    port->nFd = open(path, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (port->nFd < 0) {
         TRACE_AT(LOG_LEVER_ERROR, "open Return Fail | Errno: %d %s\n", errno, strerror(errno));
         // A port that could not be opened is not kept: the object stays closed.
         delete port;
         return -1;
     }
+    if (!ClaimTerminal(port->nFd)) {
+        CloseIfOpen(&port->nFd);
+        delete port;
+        return -1;
+    }
     m_pSerial = port;
-    return Configure();
+    return Configure(port);
 }
 
-int OS_Serial::Configure()
+int OS_Serial::Configure(OS_SerialPort* port)
 {
     struct termios options;
     memset(&options, 0, sizeof options);
-    tcgetattr(m_pSerial->nFd, &options);
+    tcgetattr(port->nFd, &options);
     options.c_iflag &= ~(IGNBRK | IGNPAR | INPCK | ISTRIP | INLCR | IGNCR | ICRNL | IUCLC | IXON |
                          IXANY | IXOFF);
     options.c_oflag &= ~(OPOST | OLCUC | ONLCR | OCRNL | ONOCR | ONLRET);
@@ -171,7 +230,7 @@ int OS_Serial::Configure()
     options.c_lflag &= ~(ISIG | ICANON | ECHO | ECHOE | IEXTEN);
     cfsetispeed(&options, B115200);
     cfsetospeed(&options, B115200);
-    tcsetattr(m_pSerial->nFd, TCSANOW, &options);
+    tcsetattr(port->nFd, TCSANOW, &options);
     return 0;
 }
 
@@ -189,7 +248,7 @@ int OS_Serial::Open(char const* path, OS_Serial_Listener* listener)
         TRACE_AT(LOG_LEVER_ERROR, "pSerial == nullptr\n");
         return -3;
     }
-    if (pipe(m_pSerial->nPipeFd) != 0) {
+    if (pipe2(m_pSerial->nPipeFd, O_CLOEXEC) != 0) {
         m_pSerial->nPipeFd[0] = m_pSerial->nPipeFd[1] = -1;
         TRACE_AT(LOG_LEVER_ERROR, "pipe Return Fail | Errno: %d %s\n", errno, strerror(errno));
         return -4;
@@ -210,78 +269,78 @@ int OS_Serial::Open(char const* path, OS_Serial_Listener* listener)
 
 // The port is non-blocking, so a frame larger than the driver's buffer is taken
 // in pieces; the rest follows as room appears, while the line keeps draining.
-int OS_Serial::Write(void const* buf, int len)
+int OS_Serial::Write(void const* buf, int len, int timeoutMs)
 {
     if (!m_pSerial)
         return 0;
     const char* bytes = static_cast<const char*>(buf);
-    int written = static_cast<int>(write(m_pSerial->nFd, bytes, len));
-    if (written <= 0) {
+    long long deadline = timeoutMs >= 0 ? NowMs() + timeoutMs : -1;
+    long long stalledSince = NowMs();
+    int total = 0;
+    int written = 0;
+    while (total < len && !m_bInterrupted) {
+        written = static_cast<int>(write(m_pSerial->nFd, bytes + total, static_cast<size_t>(len - total)));
+        if (written > 0) {
+            total += written;
+            stalledSince = NowMs();
+            continue;
+        }
+        if (written == 0 || (errno != EAGAIN && errno != EINTR))
+            break;
+        long long now = NowMs();
+        long long left = stalledSince + kWriteStallMs - now;
+        if (deadline >= 0 && deadline - now < left)
+            left = deadline - now;
+        if (left <= 0)
+            break;
+        WaitWritable(m_pSerial->nFd, static_cast<int>(left < kWriteSliceMs ? left : kWriteSliceMs));
+    }
+    if (total < len || len <= 0) {
         TRACE_AT(LOG_LEVER_ERROR, "write Return Fail | nWriteNum : %d  Errno : %d %s\n", written, errno,
                  strerror(errno));
-        return written;
     }
-    int total = written;
-    while (total < len && WaitWritable(m_pSerial->nFd)) {
-        written = static_cast<int>(write(m_pSerial->nFd, bytes + total, len - total));
-        if (written <= 0 && errno != EAGAIN)
-            break;
-        if (written > 0)
-            total += written;
-    }
-    return total;
+    return total > 0 ? total : written;
 }
+
+void OS_Serial::Interrupt() { m_bInterrupted = true; }
 
 int OS_Serial::Read(void* buf, int len)
 {
     if (!m_pSerial)
         return 0;
-    return static_cast<int>(read(m_pSerial->nFd, buf, len));
+    return static_cast<int>(read(m_pSerial->nFd, buf, static_cast<size_t>(len)));
 }
 
 int OS_Serial::Close()
 {
+    JoinEndedListener();
     if (!m_pSerial)
         return -1;
     OS_SerialPort* port = m_pSerial;
-    if (t_pListenedPort == port) {
-        // Still running on the port's own thread: it finishes the teardown.
-        port->bClosing = true;
-        m_pDetached = port;
-    } else if (port->pThread) {
+    m_pSerial = nullptr;
+    m_pListener = nullptr;
+    if (OnListenerThread(port)) {
+        // Inside the listener's process(): it reads nothing more once it returns.
+        port->bClosedFromListener = true;
+        CloseDescriptors(port);
+        m_pEnded = port;
+        return 0;
+    }
+    if (port->pThread) {
         ssize_t woken = write(port->nPipeFd[1], "Exit", 4);
         (void)woken;
         pthread_join(*port->pThread, nullptr);
     }
-    // Cleared only once the thread no longer reads them.
-    m_pSerial = nullptr;
-    m_pListener = nullptr;
-    if (port != m_pDetached)
-        FreePort(port);
+    FreePort(port);
     return 0;
-}
-
-bool OS_Serial::ClosedByListener() const { return t_pListenedPort && t_pListenedPort->bClosing; }
-
-void OS_Serial::DeleteListenerOnExit(OS_Serial_Listener* listener)
-{
-    if (m_pDetached && t_pListenedPort == m_pDetached)
-        m_pDetached->pDeleteOnExit = listener;
 }
 
 void* OS_Serial::ListenProcess(void* arg)
 {
     OS_SerialPort* port = static_cast<OS_SerialPort*>(arg);
-    t_pListenedPort = port;
+    t_pServedListener = port->pListener;
     RunListenLoop(port);
-    t_pListenedPort = nullptr;
-    if (port->bClosing) {
-        // Nobody will join this thread: it frees the port and what it was handed.
-        pthread_detach(pthread_self());
-        OS_Serial_Listener* orphan = port->pDeleteOnExit;
-        FreePort(port);
-        delete orphan;
-    }
+    t_pServedListener = nullptr;
     return nullptr;
 }
 

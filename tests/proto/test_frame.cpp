@@ -19,6 +19,10 @@ Bytes Slice(const Bytes& bytes, size_t from, size_t to = SIZE_MAX)
 {
     return Bytes(bytes.begin() + from, bytes.begin() + std::min(to, bytes.size()));
 }
+
+// The tag of a received frame is the two bytes after its length, whatever they
+// belong to: in a payload shorter than two bytes, the checksum supplies them.
+unsigned short TagOf(const Bytes& frame) { return static_cast<unsigned short>(frame[5] | frame[6] << 8); }
 }  // namespace
 
 TEST(Checksum, MatchesTheCheckValueAndTheSimulatorsOwnCrc)
@@ -41,6 +45,10 @@ TEST(ExecutorChecks, RefusesEachKindOfBadFrame)
     RecordingReport report{0x31};
     manager.Register(&report);
     Bytes good = Report(0x31, {0x05});
+    Bytes empty = ModuleSimulator::EncodeFrame(0xA1, {}), oneByte = ModuleSimulator::EncodeFrame(0xA1, {0x31});
+    RecordingReport emptyReport{TagOf(empty)}, oneByteReport{TagOf(oneByte)};
+    manager.Register(&emptyReport);
+    manager.Register(&oneByteReport);
     EXPECT_EQ(-1, executor.Process(nullptr, 10));
     EXPECT_EQ(-1, executor.Process(good.data(), 0));
     const struct { const char* name; Bytes frame; int result; } rows[] = {
@@ -49,8 +57,8 @@ TEST(ExecutorChecks, RefusesEachKindOfBadFrame)
         {"one byte short of its length", Bytes{0xA1, 0, 0, 0, 0x0A} + Bytes(13), -4},
         {"shorter than a header", {0xA1, 0, 0}, -4},
         {"length near 2^32", {0xA1, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 0}, -4},
-        {"empty payload", ModuleSimulator::EncodeFrame(0xA1, {}), 0},
-        {"payload too short for a tag", ModuleSimulator::EncodeFrame(0xA1, {0x31}), 0},
+        {"empty payload", empty, 0},
+        {"payload too short for a tag", oneByte, 0},
         {"good", good, 0},
     };
     for (const auto& r : rows) {
@@ -63,9 +71,14 @@ TEST(ExecutorChecks, RefusesEachKindOfBadFrame)
         flipped[5 + bit / 8] ^= static_cast<unsigned char>(1u << (bit % 8));
         EXPECT_EQ(-5, executor.Process(flipped.data(), static_cast<unsigned int>(flipped.size()))) << "bit " << bit;
     }
-    // The one-byte payload reads as tag 0x31 with no record to hand out.
-    EXPECT_EQ((std::vector<Bytes>{{}, {0x05}}), report.Values());
-    EXPECT_NE(std::string::npos, ReadLog().find("Recv Tag : 0031\n"));
+    // Both short payloads reach the handler of the tag their checksum completes,
+    // with no record to hand out.
+    EXPECT_EQ((std::vector<Bytes>{{0x05}}), report.Values());
+    EXPECT_EQ((std::vector<Bytes>{{}}), emptyReport.Values());
+    EXPECT_EQ((std::vector<Bytes>{{}}), oneByteReport.Values());
+    char oneByteTag[32];
+    snprintf(oneByteTag, sizeof oneByteTag, "Recv Tag : %04X\n", TagOf(oneByte));
+    EXPECT_NE(std::string::npos, ReadLog().find(oneByteTag));
 }
 
 class Framing : public LinkTest {
@@ -80,7 +93,7 @@ protected:
     {
         ASSERT_EQ(0, Start());
         report = &NewReport(0x31);
-        empty = &NewReport(0x0000);
+        empty = &NewReport(TagOf(ModuleSimulator::EncodeFrame(0xA1, {})));
         ASSERT_EQ(0, manager->Register(report));
         ASSERT_EQ(0, manager->Register(empty));
     }
@@ -121,16 +134,21 @@ TEST_F(Framing, DeliversEachWholeFrameAndNoOther)
     }
 }
 
-TEST_F(Framing, OversizedLengthNeverCompletesAndNeverOverruns)
+TEST_F(Framing, LengthBeyondTheBufferDropsTheInputAndReceptionGoesOn)
 {
-    EXPECT_EQ(11, Feed({0xA1, 0xFF, 0xFF, 0xFF, 0xF8, 0, 0, 0, 0, 0, 0}));
+    // A single corrupted byte in a header on the line, then the module's next frames.
+    EXPECT_EQ(11, Feed({0xA1, 0x7F, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 0, 0}));
+    Feed(Report(0x31, {1}));
+    EXPECT_EQ((std::vector<Bytes>{{1}}), report->Values());
+    // One byte more than the buffer holds: dropped as soon as its header is in.
+    uint32_t tooLong = DATA_BUFFER_SIZE - 9 + 1;
+    Feed(Bytes{0xA1, uint8_t(tooLong >> 24), uint8_t(tooLong >> 16), uint8_t(tooLong >> 8), uint8_t(tooLong), 0x31, 0,
+               0, 0, 0} +
+         Bytes(64, 0x55));
     Bytes filler(DATA_BUFFER_SIZE, 0x55);
-    EXPECT_EQ(DATA_BUFFER_SIZE - 11, Feed(filler));
-    EXPECT_EQ(0, Feed({0x55}));
-    EXPECT_TRUE(report->Values().empty());
-    ASSERT_NO_FATAL_FAILURE(Restart());  // only a restart empties the buffer
-    Feed(Report(0x31, {4}));
-    EXPECT_EQ((std::vector<Bytes>{{4}}), report->Values());
+    EXPECT_EQ(DATA_BUFFER_SIZE, Feed(filler));  // never fills up either
+    Feed(Report(0x31, {2}));
+    EXPECT_EQ((std::vector<Bytes>{{1}, {2}}), report->Values());
 }
 
 TEST_F(Framing, FramesWrittenInPiecesArriveWhole)
