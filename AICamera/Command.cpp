@@ -6,6 +6,7 @@
 
 #include <new>
 
+#include "../OS/OS_ByteOrder.h"
 #include "Trace.h"
 
 #define TRACE_FILE "Command"
@@ -13,20 +14,16 @@
 namespace {
 const unsigned int kTLVHeaderSize = 6;
 
-void PutLE(unsigned char* at, unsigned int v, unsigned int size)
-{
-    for (unsigned int i = 0; i < size; ++i)
-        at[i] = static_cast<unsigned char>(v >> (8 * i));
-}
+void PutLE(unsigned char* at, unsigned int v, unsigned int size) { OS_WriteOrdered(at, v, size, false); }
 
 // Reads up to size little-endian bytes, stopping at the end of the block:
 // bytes past the end count as zero.
 unsigned int GetLE(const unsigned char* block, uint64_t blockSize, uint64_t at, unsigned int size)
 {
-    unsigned int v = 0;
-    for (unsigned int i = 0; i < size && at + i < blockSize; ++i)
-        v |= static_cast<unsigned int>(block[at + i]) << (8 * i);
-    return v;
+    unsigned char bytes[4] = {0, 0, 0, 0};
+    for (unsigned int i = 0; i < size && i < sizeof bytes && at + i < blockSize; ++i)
+        bytes[i] = block[at + i];
+    return OS_ReadOrdered(bytes, size, false);
 }
 }  // namespace
 

@@ -3,10 +3,13 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include "../../OS/OS_ByteOrder.h"
+
 sim::Bytes Le32(uint32_t value)
 {
-    return {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value >> 16),
-            static_cast<uint8_t>(value >> 24)};
+    sim::Bytes bytes(4);
+    OS_WriteOrdered(bytes.data(), value, 4, false);
+    return bytes;
 }
 
 sim::Bytes Cat(std::initializer_list<sim::Bytes> pieces)

@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "ModuleSimulator.h"
+#include "../../OS/OS_ByteOrder.h"
 
 namespace sim::test {
 
@@ -66,11 +67,7 @@ public:
     }
 
 private:
-    static uint32_t Field(const uint8_t* p, int n, bool bigEndian) {
-        uint32_t v = 0;
-        for (int i = 0; i < n; ++i) v |= uint32_t(p[i]) << (8 * (bigEndian ? n - 1 - i : i));
-        return v;
-    }
+    static uint32_t Field(const uint8_t* p, int n, bool bigEndian) { return OS_ReadOrdered(p, unsigned(n), bigEndian); }
     // Frames: 0xA1, u32 big-endian length, payload (one TLV record), u32 big-endian CRC.
     void CutFrames() {
         for (;;) {

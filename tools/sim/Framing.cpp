@@ -1,12 +1,14 @@
 // The simulator's own framing and CRC, kept apart from the library's.
 #include "ModuleSimulator.h"
 
+#include "../../OS/OS_ByteOrder.h"
+
 namespace sim {
 namespace {
 void AppendBigEndian32(Bytes& out, uint32_t v)
 {
-    for (int shift = 24; shift >= 0; shift -= 8)
-        out.push_back(static_cast<uint8_t>(v >> shift));
+    out.resize(out.size() + 4);
+    OS_WriteOrdered(&out[out.size() - 4], v, 4, true);
 }
 }  // namespace
 
@@ -37,13 +39,10 @@ Bytes ModuleSimulator::EncodeFrame(uint8_t marker, const Bytes& payload)
 
 Bytes ModuleSimulator::EncodeTLV(uint16_t tag, const Bytes& value)
 {
-    Bytes record;
+    Bytes record(6);
     record.reserve(value.size() + 6);
-    record.push_back(static_cast<uint8_t>(tag & 0xFF));
-    record.push_back(static_cast<uint8_t>(tag >> 8));
-    uint32_t len = static_cast<uint32_t>(value.size());
-    for (int i = 0; i < 4; ++i)
-        record.push_back(static_cast<uint8_t>(len >> (8 * i)));
+    OS_WriteOrdered(&record[0], tag, 2, false);
+    OS_WriteOrdered(&record[2], static_cast<uint32_t>(value.size()), 4, false);
     record.insert(record.end(), value.begin(), value.end());
     return record;
 }

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "../../OS/OS_ByteOrder.h"
 #include "SimState.h"
 
 namespace sim {
@@ -8,27 +9,15 @@ const uint8_t kHostMarker = 0x1A;
 // Larger than anything the host sends; a longer length is a broken frame.
 const uint32_t kMaxPayload = 16u << 20;
 
-uint32_t BigEndian32(const uint8_t* p)
-{
-    return (uint32_t(p[0]) << 24) | (uint32_t(p[1]) << 16) | (uint32_t(p[2]) << 8) | uint32_t(p[3]);
-}
-
-uint32_t LittleEndian(const Bytes& b, size_t at, size_t n)
-{
-    uint32_t v = 0;
-    for (size_t i = 0; i < n; ++i)
-        v |= uint32_t(b[at + i]) << (8 * i);
-    return v;
-}
 
 Request MakeRequest(const uint8_t* payload, size_t size)
 {
     Request request;
     request.payload.assign(payload, payload + size);
     if (size >= 2)
-        request.tag = static_cast<uint16_t>(LittleEndian(request.payload, 0, 2));
+        request.tag = static_cast<uint16_t>(OS_ReadLittleEndian16(payload));
     if (size >= 6) {
-        size_t len = std::min<size_t>(LittleEndian(request.payload, 2, 4), size - 6);
+        size_t len = std::min<size_t>(OS_ReadLittleEndian32(payload + 2), size - 6);
         request.value.assign(payload + 6, payload + 6 + len);
     }
     return request;
@@ -51,7 +40,7 @@ std::vector<Request> HostFrameParser::Feed(const uint8_t* data, size_t len)
         size_t left = m_buffer.size() - at;
         if (left < 5)
             break;
-        uint32_t size = BigEndian32(&m_buffer[at + 1]);
+        uint32_t size = OS_ReadBigEndian32(&m_buffer[at + 1]);
         if (size > kMaxPayload) {
             ++m_badFrames;
             ++at;
@@ -61,7 +50,7 @@ std::vector<Request> HostFrameParser::Feed(const uint8_t* data, size_t len)
         if (left < total)
             break;
         const uint8_t* frame = &m_buffer[at];
-        if (BigEndian32(frame + 5 + size) != ModuleSimulator::Crc(frame, 5 + size))
+        if (OS_ReadBigEndian32(frame + 5 + size) != ModuleSimulator::Crc(frame, 5 + size))
             ++m_badFrames;
         else
             found.push_back(MakeRequest(frame + 5, size));

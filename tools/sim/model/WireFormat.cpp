@@ -1,5 +1,7 @@
 #include "WireFormat.h"
 
+#include "../../../OS/OS_ByteOrder.h"
+
 namespace sim {
 
 bool ByteReader::U8(uint8_t& out) {
@@ -10,8 +12,7 @@ bool ByteReader::U8(uint8_t& out) {
 
 bool ByteReader::U32(uint32_t& out) {
     if (Remaining() < 4) return false;
-    const uint8_t* p = m_data + m_pos;
-    out = uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16 | uint32_t(p[3]) << 24;
+    out = OS_ReadLittleEndian32(m_data + m_pos);
     m_pos += 4;
     return true;
 }
@@ -49,7 +50,8 @@ Bytes ByteReader::Rest() {
 void PutU8(Bytes& out, uint8_t v) { out.push_back(v); }
 
 void PutU32(Bytes& out, uint32_t v) {
-    for (int shift = 0; shift < 32; shift += 8) out.push_back(uint8_t(v >> shift));
+    out.resize(out.size() + 4);
+    OS_WriteOrdered(&out[out.size() - 4], v, 4, false);
 }
 
 void PutBytes(Bytes& out, const void* data, size_t length) {
