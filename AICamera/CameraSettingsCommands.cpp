@@ -57,6 +57,7 @@ int AICamera::GetCameraStream(char nCameraType, unsigned char* isOpenCamera)
     DEVICE_REQUEST(req, 0x2004);
     req.Inputs(" nCameraType : %d", nCameraType);
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(isOpenCamera)});
     if (req.Refuse(!IsZeroOrOne(nCameraType), "nCameraType != 0x00 && nCameraType != 0x01"))
         return req.Result();
     req.Payload().WriteChar(kCameraStreamRead);
@@ -71,6 +72,7 @@ int AICamera::GetLuminousSensitivityThreshold(unsigned int* nThreshold)
 {
     DEVICE_REQUEST(req, 0x200C);
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(nThreshold)});
     req.ExecuteFailureText(kExecuteTextWithoutTest);
     if (!req.Exchange({AnswerLength::Exactly(5)}))
         return req.Result();
@@ -83,6 +85,7 @@ int AICamera::GetDeviceNoFlickerHz(char nCameraId, unsigned char* pHz, unsigned 
     DEVICE_REQUEST(req, 0x200B);
     req.Inputs(" nCameraId : %d", nCameraId);
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(pHz), OUTPUT(isEnable)});
     req.ExecuteFailureText(kExecuteTextWithoutTest);
     if (req.Refuse(!IsZeroOrOne(nCameraId), kCameraIdText))
         return req.Result();
@@ -121,6 +124,7 @@ int AICamera::GetScreenDirection(unsigned char* pMode)
 {
     DEVICE_REQUEST(req, 0x2009);
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(pMode)});
     req.Payload().WriteChar(kRead);
     if (!req.Exchange({AnswerLength::Exactly(2)}))
         return req.Result();
@@ -161,6 +165,7 @@ int AICamera::GetFrameRate(unsigned int* pFrameRate)
 {
     DEVICE_REQUEST(req, 0x2007);
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(pFrameRate)});
     req.Payload().WriteChar(kRead);
     if (!req.Exchange({AnswerLength::Exactly(5)}))
         return req.Result();
@@ -183,6 +188,7 @@ int AICamera::GetIRlight(unsigned char* pLuminance, unsigned char* pCloseTime)
 {
     DEVICE_REQUEST(req, 0x2006);
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(pLuminance), OUTPUT(pCloseTime)});
     req.Payload().WriteChar(kIRlightRead);
     return StatusAndTwoBytes(req, pLuminance, pCloseTime, " pLuminance : %d pCloseTime : %d");
 }

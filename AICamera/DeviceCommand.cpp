@@ -28,16 +28,13 @@ namespace {
 void ReadImageOutput(Message& answer, void** ppImage, unsigned int* pImageLength)
 {
     *ppImage = nullptr;
-    if (answer.ReadInt(pImageLength, kLittleEndian) != 0) {
+    if (answer.ReadInt(pImageLength, kLittleEndian) != 0 || *pImageLength == 0) {
         *pImageLength = 0;
         return;
     }
-    // The module's length is believed only as far as its answer goes, so that a
-    // corrupt answer can neither make us read past it nor allocate gigabytes.
-    unsigned int available = Remaining(answer);
-    if (*pImageLength > available)
-        *pImageLength = available;
-    void* image = *pImageLength ? calloc(static_cast<size_t>(*pImageLength) + 1, 1) : nullptr;
+    // The caller gets the length the module claims, in a zeroed buffer one byte
+    // longer; an answer shorter than its claim leaves the buffer zero.
+    void* image = calloc(static_cast<size_t>(*pImageLength) + 1, 1);
     if (!image) {
         *pImageLength = 0;
         return;

@@ -38,7 +38,7 @@ unsigned int Remaining(Message& message);
 
 // Exchange, then an answer of a status byte, a u32 image length and the image,
 // read into a malloc'd buffer of length + 1 zeroed bytes that the caller frees
-// (an absent or empty image yields null and 0). With onlyOnSuccess, a non-zero
+// (an absent or empty image, or a failed allocation, yields null and 0). With onlyOnSuccess, a non-zero
 // status leaves both outputs untouched. `outputs` formats them for the record.
 int StatusAndImage(DeviceRequest& req, void** ppImage, unsigned int* pImageLength, const char* outputs,
                    bool onlyOnSuccess = false);

@@ -94,6 +94,7 @@ int AICamera::GetCpuTemperature(unsigned int* nTemperature)
 {
     DEVICE_REQUEST(req, 0x200F);
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(nTemperature)});
     if (!req.Exchange({AnswerLength::AtLeast(4, "tlvMessage.nLength < 4")}))
         return req.Result();
     // No status byte: the temperature starts the answer.
@@ -105,6 +106,7 @@ int AICamera::GetAESensorModel(unsigned int* pSensorModel)
 {
     DEVICE_REQUEST(req, 0x2010);
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(pSensorModel)});
     // Exactly 5 bytes are required, although the recorded text says otherwise.
     if (!req.Exchange({AnswerLength::Exactly(5, "tlvMessage.nLength < 4")}))
         return req.Result();

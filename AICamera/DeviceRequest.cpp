@@ -125,6 +125,14 @@ bool DeviceRequest::RefuseID(const void* pID, unsigned int nIDLength)
                       "nIDLength != strlen(static_cast<char*>(const_cast<void*>(pID)))");
 }
 
+bool DeviceRequest::RefuseNullOutputs()
+{
+    for (const NamedOutput& output : m_outputs)
+        if (Refuse(output.pointer == nullptr, (std::string(output.name) + " == nullptr").c_str()))
+            return true;
+    return false;
+}
+
 bool DeviceRequest::NoManager()
 {
     if (m_pCommandManager)
@@ -135,7 +143,7 @@ bool DeviceRequest::NoManager()
 
 bool DeviceRequest::Exchange(std::initializer_list<AnswerLength> checks)
 {
-    if (NoManager())
+    if (RefuseNullOutputs() || NoManager())
         return false;
     void* payload = nullptr;
     unsigned int size = 0;

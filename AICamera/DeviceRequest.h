@@ -7,6 +7,7 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "Message.h"
 #include "SyncCommand.h"
@@ -25,6 +26,13 @@ struct AnswerLength {
     static AnswerLength Exactly(unsigned int n, const char* text);
     static AnswerLength AtLeast(unsigned int n, const char* text);
 };
+
+// An output that a command writes through, with its name for the refusal record.
+struct NamedOutput {
+    const void* pointer;
+    const char* name;
+};
+#define OUTPUT(p) NamedOutput{(p), #p}
 
 class DeviceRequest {
 public:
@@ -56,6 +64,9 @@ public:
                     const char* emptyText, const char* lengthText);
     // The usual identifier checks on pID and nIDLength.
     bool RefuseID(const void* pID, unsigned int nIDLength);
+    // The outputs the answer is written through: a null one is refused (-4,
+    // "[ERROR] pX == nullptr") after the other argument checks, before anything is sent.
+    void Outputs(std::initializer_list<NamedOutput> outputs) { m_outputs = outputs; }
     // True when the device object has lost its command manager (result -1).
     bool NoManager();
 
@@ -89,6 +100,7 @@ private:
     int Record(int code, const char* error, const std::string& inputs, bool invalidOutput,
                const std::string& outputs);
     int RefusalRecord(const char* text);
+    bool RefuseNullOutputs();
 
     const void* m_pDev;
     CommandManager* m_pCommandManager;
@@ -102,6 +114,7 @@ private:
     bool m_bInputsOnRefusal;
     bool m_bInvalidOutputOnFailure;
     bool m_bInvalidOutputOnRefusal;
+    std::vector<NamedOutput> m_outputs;
     std::unique_ptr<SyncCommand> m_pSyncCommand;
     TLVMessage m_tlvMessage;
     Message m_message;

@@ -7,6 +7,8 @@ namespace {
 // Tag 0x01 serves three enrolment commands, told apart by the first byte.
 enum { kEnrolLive = 0, kEnrolFromImage = 1, kEnrolReturnImage = 2 };
 const unsigned int kIDListHead = 6;  // status, isLastSlice, u32 position
+// The most identifier-list bytes a module may send: far beyond any face library.
+const unsigned int kMaxIDListOffset = 16u << 20;
 }  // namespace
 
 int AICamera::AddFace(const void* pID, unsigned int nIDLength)
@@ -48,6 +50,7 @@ int AICamera::AddFaceReturnImage(const void* pID, unsigned int nIDLength, void**
     req.Inputs(" pID : %p nIDLength : %d", pID, nIDLength);
     req.SetTimeout(DeviceRequest::kEnrolTimeout);
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(ppImage), OUTPUT(pImageLength)});
     if (req.RefuseID(pID, nIDLength))
         return req.Result();
     req.Payload().WriteChar(kEnrolReturnImage);
@@ -186,6 +189,9 @@ int AICamera::GetDeviceFaceID(void* pIDList, unsigned int nIDListLength)
         if (!req.Exchange({AnswerLength::AtLeast(kIDListHead + 1, "tlvMessage.nLength  <= 6")}))
             return req.Result();
         unsigned int chunk = req.Answer().nLength - kIDListHead;
+        // A module that never marks its last slice must not keep us asking.
+        if (chunk > kMaxIDListOffset - offset)
+            return req.Fail(-7, "offset + chunk > 0x1000000");
         offset += chunk;
         Message& answer = req.ReadStatus();
         if (req.Result() != 0)
@@ -198,6 +204,8 @@ int AICamera::GetDeviceFaceID(void* pIDList, unsigned int nIDListLength)
             return req.Fail(-7, "message.ReadInt(&nPosition,1) != 0");
         const char* text = static_cast<const char*>(req.Answer().pValue) + kIDListHead;
         size_t appended = strnlen(text, chunk);
+        if (appended == 0 && isLastSlice == 0)
+            return req.Fail(-7, "strnlen(chunk) == 0 && isLastSlice == 0");
         size_t room = nIDListLength - 1 - listed;
         if (appended > room)
             appended = room;
@@ -212,6 +220,7 @@ int AICamera::GetDeviceFaceLibraryNum(unsigned int* nFaceNum)
 {
     DEVICE_REQUEST(req, 0x35);
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(nFaceNum)});
     if (!req.Exchange({AnswerLength::Exactly(5)}))
         return req.Result();
     req.ReadSignedStatus().ReadInt(nFaceNum, kLittleEndian);

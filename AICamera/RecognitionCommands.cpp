@@ -113,6 +113,7 @@ int AICamera::StaticFaceCompare(void** ppResImage, unsigned int* pResImageLength
 {
     DEVICE_REQUEST(req, 0x04);
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(ppResImage), OUTPUT(pResImageLength)});
     req.Payload().WriteChar(kCompareLocal);
     return StatusAndImage(req, ppResImage, pResImageLength, kResImageOutputs);
 }
@@ -123,6 +124,7 @@ int AICamera::StaticFaceCompareReturnImage(const void* pImage, unsigned int nIma
     DEVICE_REQUEST(req, 0x04);
     req.Inputs(" pImage : %p nImageLength : %d", pImage, nImageLength);
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(ppResImage), OUTPUT(pResImageLength)});
     if (req.Refuse(pImage == nullptr, "pImage == nullptr") || req.Refuse(nImageLength == 0, "nImageLength == 0"))
         return req.Result();
     req.Payload().WriteChar(kCompareHostImage);
@@ -140,6 +142,7 @@ int AICamera::StaticFaceCompareSlice(int nMode, unsigned int nImageTotalLength, 
                nMode, nImageTotalLength, nPosition, isLastSlice, pSliceData, nSliceDataLength);
     req.ShowInputsOnRefusal();
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(ppResImage), OUTPUT(pResImageLength)});
     if (req.Refuse(!IsZeroOrOne(nMode),
                    "nMode != MTC_STATIC_COMPARE_LOCAL_CAPTURE && nMode != MTC_STATIC_COMPARE_REMOTE_INPUT") ||
         req.Refuse(nImageTotalLength == 0, "nImageTotalLength == 0") ||

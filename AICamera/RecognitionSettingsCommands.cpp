@@ -66,6 +66,7 @@ int AICamera::GetRecognizeCount(unsigned char* pRecCount, unsigned char* pLiving
 {
     DEVICE_REQUEST(req, 0x09);
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(pRecCount), OUTPUT(pLivingCount)});
     req.Payload().WriteChar(kGet);
     return StatusAndTwoBytes(req, pRecCount, pLivingCount, " pRecCount : %d pLivingCount : %d");
 }
@@ -86,6 +87,7 @@ int AICamera::GetTemplateUpdate(unsigned char* isUpdate)
 {
     DEVICE_REQUEST(req, 0x0A);
     req.InvalidOutputOnFailure();
+    req.Outputs({OUTPUT(isUpdate)});
     req.Payload().WriteChar(kGet);
     if (!req.Exchange({AnswerLength::Exactly(2)}))
         return req.Result();

@@ -200,17 +200,25 @@ TEST_F(FaceLibrary, ImagesAndFeaturesAreHandedOutWithinTheAnswer)
     EXPECT_EQ(0u, length);
     EXPECT_EQ(Body(id, " ppImage : (nil) pImageLength : 0", 3), LastRecord("AddFaceReturnImage"));
     EXPECT_EQ(Cat({{0x02}, kIdValue}), LastRequest(0x01));
-    // A malloc'd copy with a trailing zero; a length claimed past the answer is cut to it.
+    // A malloc'd copy with a trailing zero.
     Answer(0x01, Cat({{0x00}, Le32(5), {'J', 0x00, 'P', 'E', 'G'}}));
     ASSERT_EQ(0, AddFaceReturnImage(dev, kId, 5, &image, &length));
     ASSERT_EQ(5u, length);
     EXPECT_EQ(sim::Bytes({'J', 0x00, 'P', 'E', 'G', 0x00}), sim::Bytes((uint8_t*)image, (uint8_t*)image + 6));
     EXPECT_EQ(Body(id, " ppImage : " + Ptr(image) + " pImageLength : 5", 0), LastRecord("AddFaceReturnImage"));
     free(image);
+    // A length claimed past the answer: the claimed length, in a buffer left zero.
     Answer(0x01, Cat({{0x00}, Le32(100), BytesOf("abc")}));
     EXPECT_EQ(0, AddFaceReturnImage(dev, kId, 5, &image, &length));
-    ASSERT_EQ(3u, length);
-    EXPECT_EQ(sim::Bytes({'a', 'b', 'c', 0x00}), sim::Bytes((uint8_t*)image, (uint8_t*)image + 4));
+    ASSERT_EQ(100u, length);
+    EXPECT_EQ(sim::Bytes(101, 0x00), sim::Bytes((uint8_t*)image, (uint8_t*)image + 101));
+    free(image);
+    // The largest claim: length + 1 computed without wrapping.
+    Answer(0x04, Cat({{0x00}, Le32(0xFFFFFFFFu), BytesOf("abc")}));
+    ASSERT_EQ(0, StaticFaceCompare(dev, &image, &length));
+    EXPECT_EQ(0xFFFFFFFFu, length);
+    ASSERT_NE(nullptr, image);
+    EXPECT_EQ(0, static_cast<uint8_t*>(image)[0xFFFFFFFFu]);
     free(image);
     // QueryFeature copies at most the buffer, without a terminator, and no more than arrived.
     char feature[16];
