@@ -26,6 +26,7 @@ bool ModuleSimulator::Start()
     State& s = *m_state;
     if (s.running)
         return true;
+    s.Shutdown();  // what a hang-up left behind
     s.master = posix_openpt(O_RDWR | O_NOCTTY);
     if (s.master < 0)
         return false;
@@ -159,6 +160,25 @@ void ModuleSimulator::DropNextAnswers(int n)
 {
     std::lock_guard<std::mutex> guard(m_state->lock);
     m_state->dropAnswers = n;
+}
+
+void ModuleSimulator::SetFaultRates(const FaultRates& rates)
+{
+    std::lock_guard<std::mutex> guard(m_state->lock);
+    m_state->rates = rates;
+    m_state->random.seed(rates.seed);
+}
+
+void ModuleSimulator::UnplugOnRequest(uint16_t tag)
+{
+    std::lock_guard<std::mutex> guard(m_state->lock);
+    m_state->unplugTag = tag;
+}
+
+void ModuleSimulator::SetReadPacing(int bytesPerMs)
+{
+    std::lock_guard<std::mutex> guard(m_state->lock);
+    m_state->readBytesPerMs = bytesPerMs;
 }
 
 void ModuleSimulator::SetPacing(int bytesPerMs)

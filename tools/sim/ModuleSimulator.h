@@ -27,6 +27,17 @@ struct Request {              // one host frame that passed length and CRC check
 // tag, in a 0xA1 frame), or std::nullopt for no answer.
 using Handler = std::function<std::optional<Bytes>(const Request&)>;
 
+// Faults that go on at a steady rate, each in parts per thousand of the frames
+// (answers and reports) sent after they are set; drawn from a seeded sequence.
+struct FaultRates {
+    int dropPerMille = 0;     // an answer is not sent
+    int delayPerMille = 0;    // an answer is held back up to delayMaxMs
+    int delayMaxMs = 0;
+    int corruptPerMille = 0;  // a bit of a frame's checksum is flipped
+    int garbagePerMille = 0;  // 1 to 16 random bytes go out before a frame
+    uint32_t seed = 1;
+};
+
 class ModuleSimulator {
 public:
     ModuleSimulator();
@@ -59,7 +70,12 @@ public:
     void SetAnswerDelay(int ms);              // delay each answer by ms (the reader keeps reading)
     void DropNextAnswers(int n);              // handlers run, but their next n answers are not sent
     void SetPacing(int bytesPerMs);           // 0 = off; else write in small pieces at this rate
+    void SetReadPacing(int bytesPerMs);       // 0 = off; else take the host's bytes no faster than this
     void Unplug();                            // close the master side: the host sees a hang-up
+    void SetFaultRates(const FaultRates& rates);
+    // The next request with this tag is not answered: the module hangs up
+    // instead, in the middle of the host's request.
+    void UnplugOnRequest(uint16_t tag);
 
     static Bytes EncodeFrame(uint8_t marker, const Bytes& payload);  // the simulator's own framing
     static Bytes EncodeTLV(uint16_t tag, const Bytes& value);

@@ -31,40 +31,77 @@ void ModuleSimulator::State::ReadLoop()
         if (got <= 0)
             continue;
         std::vector<Request> found;
+        int readRate = 0;
         {
             std::lock_guard<std::mutex> guard(lock);
             found = parser.Feed(chunk, static_cast<size_t>(got));
+            readRate = readBytesPerMs;
         }
-        for (const Request& request : found)
-            HandleRequest(request);
+        if (readRate > 0)  // a slow line: the next bytes are taken only after these went by
+            std::this_thread::sleep_for(std::chrono::microseconds(got * 1000 / readRate));
+        for (const Request& request : found) {
+            if (!HandleRequest(request)) {
+                HangUp();
+                return;
+            }
+        }
     }
 }
 
-void ModuleSimulator::State::HandleRequest(const Request& request)
+void ModuleSimulator::State::HangUp()
+{
+    {
+        std::lock_guard<std::mutex> guard(lock);
+        running = false;
+        output.clear();
+    }
+    changed.notify_all();
+    if (writer.joinable())
+        writer.join();
+    close(master);
+    close(slave);
+    master = slave = -1;
+}
+
+bool ModuleSimulator::State::Chance(int perMille)
+{
+    return perMille > 0 && static_cast<int>(random() % 1000) < perMille;
+}
+
+bool ModuleSimulator::State::HandleRequest(const Request& request)
 {
     Handler handler;
     {
         std::lock_guard<std::mutex> guard(lock);
         requests.push_back(request);
+        if (request.tag == unplugTag) {
+            unplugTag = -1;
+            return false;
+        }
         auto it = handlers.find(request.tag);
         handler = it != handlers.end() ? it->second : defaultHandler;
     }
     changed.notify_all();
     if (!handler)
-        return;
+        return true;
     std::optional<Bytes> answer = handler(request);
     if (!answer)
-        return;
+        return true;
     int delayMs;
     {
         std::lock_guard<std::mutex> guard(lock);
         if (dropAnswers > 0) {
             --dropAnswers;
-            return;
+            return true;
         }
+        if (Chance(rates.dropPerMille))
+            return true;
         delayMs = answerDelayMs;
+        if (rates.delayMaxMs > 0 && Chance(rates.delayPerMille))
+            delayMs += static_cast<int>(random() % static_cast<uint32_t>(rates.delayMaxMs + 1));
     }
     Queue(EncodeFrame(0xA1, EncodeTLV(request.tag, *answer)), true, delayMs);
+    return true;
 }
 
 void ModuleSimulator::State::Queue(Bytes bytes, bool isFrame, int delayMs)
@@ -73,9 +110,15 @@ void ModuleSimulator::State::Queue(Bytes bytes, bool isFrame, int delayMs)
     OutItem item;
     item.due = Clock::now() + std::chrono::milliseconds(delayMs);
     if (isFrame) {
-        if (corruptFrames > 0 && bytes.size() >= 4) {
-            --corruptFrames;
+        if ((corruptFrames > 0 || Chance(rates.corruptPerMille)) && bytes.size() >= 4) {
+            corruptFrames = corruptFrames > 0 ? corruptFrames - 1 : 0;
             bytes.back() ^= 0x01;
+        }
+        if (Chance(rates.garbagePerMille)) {
+            Bytes noise(1 + random() % 16);
+            for (uint8_t& byte : noise)
+                byte = static_cast<uint8_t>(random());
+            bytes.insert(bytes.begin(), noise.begin(), noise.end());
         }
         if (!garbage.empty()) {
             bytes.insert(bytes.begin(), garbage.begin(), garbage.end());

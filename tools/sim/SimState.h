@@ -8,6 +8,7 @@
 #include <deque>
 #include <map>
 #include <mutex>
+#include <random>
 #include <thread>
 
 #include "ModuleSimulator.h"
@@ -59,10 +60,19 @@ struct ModuleSimulator::State {
     int answerDelayMs = 0;
     int dropAnswers = 0;
     int bytesPerMs = 0;
+    int readBytesPerMs = 0;
+    FaultRates rates;
+    std::mt19937 random;
+    int unplugTag = -1;
 
     void ReadLoop();
     void WriteLoop();
-    void HandleRequest(const Request& request);
+    // False when the request made the module hang up.
+    bool HandleRequest(const Request& request);
+    // Drawn under the lock: true in perMille of the calls.
+    bool Chance(int perMille);
+    // The reader's own hang-up: ends the writer and closes both sides.
+    void HangUp();
     // Queues a frame (fault modes apply) or raw bytes, due after delayMs.
     void Queue(Bytes bytes, bool isFrame, int delayMs);
     bool WriteItem(const OutItem& item);
