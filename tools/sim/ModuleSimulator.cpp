@@ -79,6 +79,8 @@ void ModuleSimulator::State::Shutdown()
 
 void ModuleSimulator::Stop() { m_state->Shutdown(); }
 
+bool ModuleSimulator::IsRunning() const { return m_state->running; }
+
 void ModuleSimulator::Unplug() { m_state->Shutdown(); }
 
 std::string ModuleSimulator::SlavePath() const { return m_state->slavePath; }

@@ -27,14 +27,14 @@ struct Request {              // one host frame that passed length and CRC check
 // tag, in a 0xA1 frame), or std::nullopt for no answer.
 using Handler = std::function<std::optional<Bytes>(const Request&)>;
 
-// Faults that go on at a steady rate, each in parts per thousand of the frames
+// Faults that go on at a steady rate, each in parts per million of the frames
 // (answers and reports) sent after they are set; drawn from a seeded sequence.
 struct FaultRates {
-    int dropPerMille = 0;     // an answer is not sent
-    int delayPerMille = 0;    // an answer is held back up to delayMaxMs
+    int dropPpm = 0;     // an answer is not sent
+    int delayPpm = 0;    // an answer is held back up to delayMaxMs
     int delayMaxMs = 0;
-    int corruptPerMille = 0;  // a bit of a frame's checksum is flipped
-    int garbagePerMille = 0;  // 1 to 16 random bytes go out before a frame
+    int corruptPpm = 0;  // a bit of a frame's checksum is flipped
+    int garbagePpm = 0;  // 1 to 16 random bytes go out before a frame
     uint32_t seed = 1;
 };
 
@@ -47,6 +47,7 @@ public:
 
     bool Start();                             // opens a pty pair (raw mode), starts the reader thread
     void Stop();
+    bool IsRunning() const;                   // false after Stop, Unplug or a hang-up
     std::string SlavePath() const;            // e.g. "/dev/pts/5": what the library opens
 
     void SetHandler(uint16_t tag, Handler h); // replaces; an empty Handler removes it

@@ -63,9 +63,9 @@ void ModuleSimulator::State::HangUp()
     master = slave = -1;
 }
 
-bool ModuleSimulator::State::Chance(int perMille)
+bool ModuleSimulator::State::Chance(int ppm)
 {
-    return perMille > 0 && static_cast<int>(random() % 1000) < perMille;
+    return ppm > 0 && static_cast<int>(random() % 1000000) < ppm;
 }
 
 bool ModuleSimulator::State::HandleRequest(const Request& request)
@@ -94,10 +94,10 @@ bool ModuleSimulator::State::HandleRequest(const Request& request)
             --dropAnswers;
             return true;
         }
-        if (Chance(rates.dropPerMille))
+        if (Chance(rates.dropPpm))
             return true;
         delayMs = answerDelayMs;
-        if (rates.delayMaxMs > 0 && Chance(rates.delayPerMille))
+        if (rates.delayMaxMs > 0 && Chance(rates.delayPpm))
             delayMs += static_cast<int>(random() % static_cast<uint32_t>(rates.delayMaxMs + 1));
     }
     Queue(EncodeFrame(0xA1, EncodeTLV(request.tag, *answer)), true, delayMs);
@@ -110,11 +110,11 @@ void ModuleSimulator::State::Queue(Bytes bytes, bool isFrame, int delayMs)
     OutItem item;
     item.due = Clock::now() + std::chrono::milliseconds(delayMs);
     if (isFrame) {
-        if ((corruptFrames > 0 || Chance(rates.corruptPerMille)) && bytes.size() >= 4) {
+        if ((corruptFrames > 0 || Chance(rates.corruptPpm)) && bytes.size() >= 4) {
             corruptFrames = corruptFrames > 0 ? corruptFrames - 1 : 0;
             bytes.back() ^= 0x01;
         }
-        if (Chance(rates.garbagePerMille)) {
+        if (Chance(rates.garbagePpm)) {
             Bytes noise(1 + random() % 16);
             for (uint8_t& byte : noise)
                 byte = static_cast<uint8_t>(random());

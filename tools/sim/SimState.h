@@ -69,8 +69,8 @@ struct ModuleSimulator::State {
     void WriteLoop();
     // False when the request made the module hang up.
     bool HandleRequest(const Request& request);
-    // Drawn under the lock: true in perMille of the calls.
-    bool Chance(int perMille);
+    // Drawn under the lock: true in ppm parts per million of the calls.
+    bool Chance(int ppm);
     // The reader's own hang-up: ends the writer and closes both sides.
     void HangUp();
     // Queues a frame (fault modes apply) or raw bytes, due after delayMs.
