@@ -20,7 +20,11 @@ CommandManager::CommandManager()
 CommandManager::~CommandManager()
 {
     StopDataTransmit();
-    FreeRetiredLinks();
+    // At exit, a link retired by its own listener thread is waited for.
+    for (const Link& link : m_retired) {
+        delete link.pTransceiver;
+        delete link.pExecutor;
+    }
     ClearCommands();
 }
 
@@ -65,7 +69,8 @@ void CommandManager::FreeRetiredLinks()
     {
         std::lock_guard<std::mutex> guard(m_linkLock);
         for (auto it = m_retired.begin(); it != m_retired.end();) {
-            if (it->pTransceiver->IsListenerThread()) {
+            // Never waits for a callback that has not returned yet.
+            if (it->pTransceiver->ListenerStillRunning()) {
                 ++it;
                 continue;
             }
@@ -73,7 +78,6 @@ void CommandManager::FreeRetiredLinks()
             it = m_retired.erase(it);
         }
     }
-    // Joins each thread, once it has left the report callback that stopped it.
     for (const Link& link : ended) {
         delete link.pTransceiver;
         delete link.pExecutor;

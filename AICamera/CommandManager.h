@@ -15,7 +15,7 @@
 //            StartDataTransmit waits for STOPPED, except on the listener thread
 //            of the link being stopped, where it gives -1 at once.
 // A link stopped from its own listener thread cannot join that thread: it is
-// kept as retired and freed by the next start or stop on another thread.
+// kept as retired and freed by the first start or stop after the thread ended.
 #ifndef AICAMERA_COMMANDMANAGER_H
 #define AICAMERA_COMMANDMANAGER_H
 
@@ -55,7 +55,7 @@ private:
     };
 
     void ClearCommands();
-    // Frees the links retired by their own listener threads, but the calling thread's.
+    // Frees the links retired by their own listener threads once those threads have ended.
     void FreeRetiredLinks();
     // Waits out another thread's stop; false on the listener thread being stopped.
     bool WaitWhileStopping(std::unique_lock<std::mutex>& lock);

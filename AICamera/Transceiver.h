@@ -39,6 +39,9 @@ public:
     int Receive(const void* data, int len);
     // True on the port's listener thread (a report callback runs there).
     bool IsListenerThread() const;
+    // After a Destroy from inside a report callback: true until the listener
+    // thread has left the callback and ended.
+    bool ListenerStillRunning() const { return m_serial.EndedListenerRunning(); }
 
 private:
     // Cuts the buffered bytes into frames; false when the port was closed meanwhile.

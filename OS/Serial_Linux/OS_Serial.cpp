@@ -12,6 +12,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <new>
 
 #include "../../AICamera/Trace.h"
@@ -27,6 +28,8 @@ struct OS_SerialPort {
     OS_Serial_Listener* pListener = nullptr;
     // Set by a Close inside the listener's process(): the thread ends after it.
     bool bClosedFromListener = false;
+    // Set by the thread as it ends; read by whoever would join it.
+    std::atomic<bool> bThreadDone{false};
 };
 
 namespace {
@@ -170,8 +173,10 @@ OS_Serial::OS_Serial() : m_pSerial(nullptr), m_pListener(nullptr), m_pEnded(null
 OS_Serial::~OS_Serial()
 {
     Close();
-    JoinEndedListener();
+    JoinEndedListener(true);
 }
+
+bool OS_Serial::EndedListenerRunning() const { return m_pEnded && !m_pEnded->bThreadDone; }
 
 bool OS_Serial::IsOpen() const { return m_pSerial != nullptr; }
 
@@ -180,9 +185,9 @@ bool OS_Serial::IsListenerThreadOf(const OS_Serial_Listener* listener)
     return listener && t_pServedListener == listener;
 }
 
-void OS_Serial::JoinEndedListener()
+void OS_Serial::JoinEndedListener(bool wait)
 {
-    if (!m_pEnded || OnListenerThread(m_pEnded))
+    if (!m_pEnded || OnListenerThread(m_pEnded) || (!wait && !m_pEnded->bThreadDone))
         return;
     pthread_join(*m_pEnded->pThread, nullptr);
     FreePort(m_pEnded);
@@ -313,7 +318,7 @@ int OS_Serial::Read(void* buf, int len)
 
 int OS_Serial::Close()
 {
-    JoinEndedListener();
+    JoinEndedListener(false);
     if (!m_pSerial)
         return -1;
     OS_SerialPort* port = m_pSerial;
@@ -341,6 +346,7 @@ void* OS_Serial::ListenProcess(void* arg)
     t_pServedListener = port->pListener;
     RunListenLoop(port);
     t_pServedListener = nullptr;
+    port->bThreadDone = true;
     return nullptr;
 }
 

@@ -32,9 +32,12 @@ public:
     // Closes the port. From any thread but the listener's, the listener thread
     // is stopped and joined first. From inside the listener's process(), the
     // descriptors close at once, the thread ends when process() returns, and
-    // the next Close, Open or the destructor (from another thread) joins it.
+    // the next Close or Open after that, or the destructor, joins it.
     int Close();
     bool IsOpen() const;
+    // True while the thread of a port closed from inside its process() is still
+    // unwinding (a report callback that closed the port has not returned yet).
+    bool EndedListenerRunning() const;
     // True on a listener thread that serves `listener`.
     static bool IsListenerThreadOf(const OS_Serial_Listener* listener);
 
@@ -47,7 +50,9 @@ public:
 
 private:
     int Configure(OS_SerialPort* port);
-    void JoinEndedListener();
+    // Joins the thread of a port closed from its own listener thread: at once
+    // if it has ended, otherwise only with `wait`.
+    void JoinEndedListener(bool wait);
 
     OS_SerialPort* m_pSerial;
     OS_Serial_Listener* m_pListener;

@@ -36,6 +36,12 @@ struct FaultRates {
     int corruptPpm = 0;  // a bit of a frame's checksum is flipped
     int garbagePpm = 0;  // 1 to 16 random bytes go out before a frame
     uint32_t seed = 1;
+
+    // Every fault at the same rate.
+    static FaultRates Uniform(int ppm, int delayMaxMs, uint32_t seed)
+    {
+        return FaultRates{ppm, ppm, delayMaxMs, ppm, ppm, seed};
+    }
 };
 
 class ModuleSimulator {
