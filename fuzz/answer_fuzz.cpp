@@ -41,12 +41,17 @@ private:
 class RandomModule {
 public:
     explicit RandomModule(uint32_t seed) : m_random(seed) {}
-    std::optional<Bytes> Answer()
+    std::optional<Bytes> Answer(uint16_t tag)
     {
         std::lock_guard<std::mutex> guard(m_lock);
         Bytes value = m_random.Noise(48);
         if (!value.empty() && m_random.Below(2))
             value[0] = 0;  // status 0, so that the outputs are read
+        // An image answer's claimed length is handed out in a buffer of that size:
+        // mostly a few kilobytes, now and then up to 4 GiB.
+        bool image = tag == 0x01 || tag == 0x04 || tag == 0x23;
+        if (image && value.size() >= 5 && m_random.Below(64) != 0)
+            value[3] = value[4] = 0;
         return value;
     }
 
@@ -134,7 +139,7 @@ int main(int argc, char** argv)
     // The identifier list ends after a few passes, whatever else the module says.
     int listPasses = 0;
     module.SetDefaultHandler([&](const sim::Request& request) {
-        std::optional<Bytes> value = answers.Answer();
+        std::optional<Bytes> value = answers.Answer(request.tag);
         if (request.tag == 0x08 && value->size() > 1 && ++listPasses % 3 == 0)
             (*value)[1] = 1;
         return value;
