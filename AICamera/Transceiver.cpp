@@ -27,6 +27,7 @@ Transceiver::Transceiver(CommandManager* manager, CommandExecutor* executor)
       m_nWritePos(0),
       m_pManager(manager),
       m_pExecutor(executor),
+      m_bWriting(false),
       m_bClosed(false)
 {
 }
@@ -64,12 +65,20 @@ int Transceiver::SendData(void* data, int len) { return SendData(data, len, -1);
 
 int Transceiver::SendData(void* data, int len, int timeoutMs)
 {
-    std::unique_lock<std::timed_mutex> frame(m_writeLock, std::defer_lock);
+    std::unique_lock<std::mutex> lock(m_writeLock);
+    auto free = [this] { return !m_bWriting; };
     if (timeoutMs < 0)
-        frame.lock();
-    else if (!frame.try_lock_for(std::chrono::milliseconds(timeoutMs)))
+        m_writeDone.wait(lock, free);
+    else if (!m_writeDone.wait_for(lock, std::chrono::milliseconds(timeoutMs), free))
         return 0;
-    return m_serial.Write(data, len, timeoutMs);
+    m_bWriting = true;
+    lock.unlock();
+    int written = m_serial.Write(data, len, timeoutMs);
+    lock.lock();
+    m_bWriting = false;
+    lock.unlock();
+    m_writeDone.notify_one();
+    return written;
 }
 
 bool Transceiver::IsListenerThread() const { return OS_Serial::IsListenerThreadOf(this); }

@@ -5,6 +5,7 @@
 #define AICAMERA_TRANSCEIVER_H
 
 #include <atomic>
+#include <condition_variable>
 #include <mutex>
 
 #include "../OS/Serial_Linux/OS_Serial.h"
@@ -55,7 +56,9 @@ private:
     CommandManager* m_pManager;
     CommandExecutor* m_pExecutor;
     // One frame's writes at a time, from requests and acknowledgements alike.
-    std::timed_mutex m_writeLock;
+    std::mutex m_writeLock;
+    std::condition_variable m_writeDone;
+    bool m_bWriting;
     // Set by Destroy; a report callback may call it on the listener thread.
     std::atomic<bool> m_bClosed;
 };

@@ -322,21 +322,21 @@ int OS_Serial::Close()
     if (!m_pSerial)
         return -1;
     OS_SerialPort* port = m_pSerial;
-    m_pSerial = nullptr;
-    m_pListener = nullptr;
     if (OnListenerThread(port)) {
         // Inside the listener's process(): it reads nothing more once it returns.
         port->bClosedFromListener = true;
         CloseDescriptors(port);
         m_pEnded = port;
-        return 0;
-    }
-    if (port->pThread) {
+    } else if (port->pThread) {
         ssize_t woken = write(port->nPipeFd[1], "Exit", 4);
         (void)woken;
         pthread_join(*port->pThread, nullptr);
     }
-    FreePort(port);
+    // Cleared only once the listener thread reads through it no more.
+    m_pSerial = nullptr;
+    m_pListener = nullptr;
+    if (port != m_pEnded)
+        FreePort(port);
     return 0;
 }
 
