@@ -30,6 +30,12 @@ start_sim() {
   exit 1
 }
 
+# sim_said TEXT: waits until aicam-sim has written TEXT on its stderr, up to 10 s.
+sim_said() {
+  timeout 10 bash -c 'until grep -qF -- "$1" "$2"; do sleep 0.05; done' _ "$1" "$SCRATCH/sim.err" ||
+    fail "aicam-sim did not say '$1'"
+}
+
 # run PROGRAM ARGS...: sets RC (exit status), OUT and ERR.
 run() {
   RC=0

@@ -43,7 +43,10 @@ stop_sim
 start_sim --library "$SCRATCH/faces.txt" --unplug-after 2
 t 0 "alice is enrolled" faces query alice
 t 0 "" ping
-t 2 "the serial port could not be opened" ping   # the module hung up
+# The module hangs up a moment after answering its second request. Its link
+# then names a pseudo-terminal number that the next one made on this machine
+# takes, another test's module perhaps: the link is not opened again.
+sim_said "unplugged after 2 requests"
 run "$AICAM_SIM" --fps 0
 [ "$RC" -eq 2 ] && [ -z "$OUT" ] || fail "aicam-sim --fps 0: exit status 2 and nothing on stdout, got $RC"
 

@@ -57,11 +57,15 @@ TEST_F(Link, RequestTimesOutWhenAReportHandlerTakesItsAnswerOrTheAnswerIsNotForI
 TEST_F(Link, LateAnswerDoesNotCompleteTheNextRequest)
 {
     module.SetHandler(0x2001, Answer({0x01}));
+    module.SetHandler(0x1000, Answer({0x00}));
     module.SetAnswerDelay(400);
     ASSERT_EQ(0, Start());
     EXPECT_EQ(-3, Run(0x2001, {}, nullptr, 100));
     ASSERT_TRUE(WaitForLog("Recv Tag : 2001\n"));  // the answer came after its request had gone
     module.SetAnswerDelay(0);
+    // The listener logs the late answer before it looks for a request to give it
+    // to; an answer read after it shows that it has been dealt with.
+    EXPECT_EQ(0, Run(0x1000, {}));
     module.DropNextAnswers(1);
     EXPECT_EQ(-3, Run(0x2001, {}, nullptr, 300));
     module.SetHandler(0x2001, Answer({0x02}));

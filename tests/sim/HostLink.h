@@ -44,13 +44,30 @@ public:
     }
     // The value of the next record with this tag; other records wait their turn.
     std::optional<Bytes> WaitFor(uint16_t tag, int timeoutMs = 5000) {
+        std::optional<Record> record = Take([tag](const Record& r) { return r.first == tag; }, timeoutMs);
+        return record ? std::optional<Bytes>(std::move(record->second)) : std::nullopt;
+    }
+    // The next record of any tag, in the order the module sent them.
+    std::optional<std::pair<uint16_t, Bytes>> Next(int timeoutMs = 5000) {
+        return Take([](const Record&) { return true; }, timeoutMs);
+    }
+    std::optional<Bytes> Ask(uint16_t tag, const Bytes& value, int timeoutMs = 5000) {
+        Send(tag, value);
+        return WaitFor(tag, timeoutMs);
+    }
+
+private:
+    using Record = std::pair<uint16_t, Bytes>;
+
+    template <class Match>
+    std::optional<Record> Take(Match match, int timeoutMs) {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
         for (;;) {
-            for (auto it = m_records.begin(); it != m_records.end(); ++it) {
-                if (it->first != tag) continue;
-                Bytes value = std::move(it->second);
+            const auto it = std::find_if(m_records.begin(), m_records.end(), match);
+            if (it != m_records.end()) {
+                Record record = std::move(*it);
                 m_records.erase(it);
-                return value;
+                return record;
             }
             const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
             pollfd p{m_fd, POLLIN, 0};
@@ -61,12 +78,6 @@ public:
             CutFrames();
         }
     }
-    std::optional<Bytes> Ask(uint16_t tag, const Bytes& value, int timeoutMs = 5000) {
-        Send(tag, value);
-        return WaitFor(tag, timeoutMs);
-    }
-
-private:
     static uint32_t Field(const uint8_t* p, int n, bool bigEndian) { return OS_ReadOrdered(p, unsigned(n), bigEndian); }
     // Frames: 0xA1, u32 big-endian length, payload (one TLV record), u32 big-endian CRC.
     void CutFrames() {
@@ -91,7 +102,7 @@ private:
 
     int m_fd;
     Bytes m_input;
-    std::deque<std::pair<uint16_t, Bytes>> m_records;
+    std::deque<Record> m_records;
 };
 
 }  // namespace sim::test

@@ -1,5 +1,8 @@
-// The report stream: image reports wait for the host's acknowledgement.
+// The report stream: image reports wait for the host's acknowledgement, and
+// a pause ends the reports of the recognition it pauses.
 #include <algorithm>
+#include <atomic>
+#include <thread>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -36,6 +39,19 @@ protected:
         ASSERT_EQ(StatusOf(proto::kTagAutoUpload, {uploadMode, imageMode}), proto::kOk);
         ASSERT_EQ(StatusOf(proto::kTagAddFace, WithId32({0}, "alice")), proto::kOk);
         ASSERT_EQ(StatusOf(proto::kTagStartOneToMany, {1, 0}), proto::kOk);
+    }
+
+    // Sends a request and reads the module's records in order up to its
+    // answer; returns the track and recognition reports met on the way, or -1
+    // when no answer came.
+    int ReportsBeforeAnswer(uint16_t tag, const Bytes& value) {
+        host->Send(tag, value);
+        int reports = 0;
+        while (std::optional<std::pair<uint16_t, Bytes>> record = host->Next()) {
+            if (record->first == tag) return reports;
+            reports += record->first == proto::kTagTrackReport || record->first == proto::kTagRecoReport;
+        }
+        return -1;
     }
 };
 
@@ -81,6 +97,31 @@ TEST_F(SimReportsTest, NothingIsReportedWhilePausedAndQrReportsFollowTheirInterv
     ASSERT_EQ(StatusOf(proto::kTagResume, {}), proto::kOk);
     model.EmitRound();
     EXPECT_NE(AsText(host->WaitFor(proto::kTagFeatureReport)).find(model.Face("alice")->feature), std::string::npos);
+}
+
+// Rounds are sent back to back while the host pauses and resumes: a round
+// that was under way when the pause came must be on the link before the
+// pause's answer, never after it.
+TEST_F(SimReportsTest, NoReportFollowsTheAnswerToAPause) {
+    StartWithUpload(proto::kUploadResults, 0);
+    std::atomic<bool> stop{false};
+    std::thread rounds([&] {
+        while (!stop) model.EmitRound();
+    });
+    bool answered = true;
+    int late = 0;   // reports between the pause's answer and the next answer
+    for (int cycle = 0; cycle < 30 && answered && late == 0; ++cycle) {
+        // Reports may come before the answer to a resume: they are not counted.
+        // The pause goes once a round of the resumed recognition has come.
+        answered = ReportsBeforeAnswer(proto::kTagResume, {}) >= 0 && host->WaitFor(proto::kTagTrackReport) &&
+                   ReportsBeforeAnswer(proto::kTagPause, {}) >= 0;
+        late = ReportsBeforeAnswer(proto::kTagQueryRecognition, {0});
+    }
+    stop = true;
+    rounds.join();
+    EXPECT_TRUE(answered) << "a request went unanswered, or a resumed recognition sent no round";
+    EXPECT_EQ(late, 0) << "reports of a paused recognition reached the host";
+    EXPECT_EQ(ReportsBeforeAnswer(proto::kTagQueryRecognition, {0}), 0);
 }
 
 TEST_F(SimReportsTest, ClosedUploadLeavesTrackReportsAndTheThreadSendsRoundsAtItsInterval) {

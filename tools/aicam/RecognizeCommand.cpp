@@ -8,6 +8,7 @@
 
 #include "FileData.h"
 #include "MonotonicClock.h"
+#include "RecognitionMode.h"
 #include "ReportQueue.h"
 #include "ResultText.h"
 #include "Session.h"
@@ -81,8 +82,11 @@ int StartRecognition(Session& session, const RecognizeOptions& options, const By
 }
 
 // Prints reports until the count, the time limit or SIGINT; returns how many.
+// Reports of the other recognition mode belong to an earlier run and are
+// neither printed nor counted.
 long PrintReports(ReportQueue& queue, const RecognizeOptions& options)
 {
+    const RecognitionMode started = options.image.empty() ? RecognitionMode::OneToMany : RecognitionMode::OneToOne;
     const long long deadline = options.seconds > 0 ? MonotonicMs() + options.seconds * 1000 : 0;
     long printed = 0;
     std::vector<Report> reports;
@@ -96,6 +100,8 @@ long PrintReports(ReportQueue& queue, const RecognizeOptions& options)
         }
         bool running = queue.Wait(wait, reports);
         for (const Report& report : reports) {
+            if (IsOfOtherMode(report.bytes, started))
+                continue;
             // Line by line, for readers at the other end of a pipe.
             printf("%-12s %s\n", report.kind, Printable(report.bytes, options.full).c_str());
             fflush(stdout);
@@ -153,7 +159,8 @@ const Verb kRecognizeVerb = {
     "Starts one-to-many recognition (or one-to-one against IMAGE, sent whole or in\n"
     "slices of --slice BYTES, at most 1 MiB), prints each report on a line (kind,\n"
     "then its text) until --count N reports, --seconds S or Ctrl-C, then pauses\n"
-    "recognition.\n"
+    "recognition. Recognition reports of the other mode, left over from an\n"
+    "earlier run, are skipped.\n"
     "  --live          recognition with liveness check\n"
     "  --multi         several faces at once\n"
     "  --kinds LIST    the reports to print, of recognition,track,image,feature,qrcode\n"

@@ -82,13 +82,14 @@ std::vector<std::pair<uint16_t, Bytes>> ModuleModel::BuildRound() {
 }
 
 void ModuleModel::EmitRound() {
-    std::vector<std::pair<uint16_t, Bytes>> reports;
     {
+        // The round is queued for the link before the lock is let go: a pause
+        // handled meanwhile would otherwise be answered ahead of a round of the
+        // running recognition, and that round would reach the host afterwards.
         std::lock_guard<std::mutex> lock(m_mutex);
-        reports = BuildRound();
+        for (const auto& report : BuildRound()) m_sim.PushReport(report.first, report.second);
     }
     m_changed.notify_all();
-    for (const auto& report : reports) m_sim.PushReport(report.first, report.second);
 }
 
 void ModuleModel::ReportLoop() {
