@@ -5,7 +5,7 @@
 namespace {
 // Larger than any MJPEG picture a camera sends: a "picture" that grows past
 // this without an end is garbage, and the bytes held stay bounded.
-const size_t kMaxPicture = 16 * 1024 * 1024;
+const size_t kMaxPicture = 8 * 1024 * 1024;
 }  // namespace
 
 void MjpegCutter::Append(const unsigned char* data, size_t size) { m_buffer.insert(m_buffer.end(), data, data + size); }

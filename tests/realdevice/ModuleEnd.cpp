@@ -37,8 +37,9 @@ bool ModuleEnd::ServeAgain()
     return true;
 }
 
-FrameFeeder::FrameFeeder(int width, int height, int framesPerSecond)
-    : m_width(width), m_height(height), m_fps(framesPerSecond), m_plain(EncodeSolid(width, height, kGreen))
+FrameFeeder::FrameFeeder(const std::string& fifo, int width, int height, int framesPerSecond)
+    : m_fifo(fifo),
+      m_width(width), m_height(height), m_fps(framesPerSecond), m_plain(EncodeSolid(width, height, kGreen))
 {
 }
 
@@ -53,7 +54,7 @@ long long FrameFeeder::NowUs()
 bool FrameFeeder::Start()
 {
     signal(SIGPIPE, SIG_IGN);
-    m_fd = open(rig::Var("VM_UVC_FIFO").c_str(), O_WRONLY | O_CLOEXEC);
+    m_fd = open(m_fifo.c_str(), O_WRONLY | O_CLOEXEC);
     if (m_fd < 0)
         return false;
     m_thread = std::thread(&FrameFeeder::Run, this);

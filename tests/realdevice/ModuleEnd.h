@@ -30,12 +30,12 @@ private:
     std::string m_path;
 };
 
-// Writes pictures of one colour into the camera's FIFO at a steady rate, each
-// with its side text {"seq":N,"sent_us":T}: T is the monotonic clock, in
-// microseconds, when the picture left.
+// Writes pictures of one colour into a FIFO (the camera's, normally) at a
+// steady rate, each with its side text {"seq":N,"sent_us":T}: T is the
+// monotonic clock, in microseconds, when the picture left.
 class FrameFeeder {
 public:
-    FrameFeeder(int width, int height, int framesPerSecond);
+    FrameFeeder(const std::string& fifo, int width, int height, int framesPerSecond);
     ~FrameFeeder();
 
     bool Start();
@@ -48,6 +48,7 @@ private:
     void Run();
     Bytes Picture(long long seq);
 
+    const std::string m_fifo;
     const int m_width, m_height, m_fps;
     int m_fd = -1;
     std::mutex m_mutex;

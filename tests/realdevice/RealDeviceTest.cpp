@@ -2,9 +2,6 @@
 
 #include <string.h>
 
-#include <algorithm>
-#include <sstream>
-
 void RealDeviceTest::SetUp()
 {
     if (!rig::Inside())
@@ -33,31 +30,12 @@ void RealDeviceTest::TearDown()
 
 void RealDeviceTest::ConnectModule() { ASSERT_EQ(0, ConnectSerial(dev, rig::SerialNode().c_str())); }
 
-void RealDeviceTest::StreamedSize(int* width, int* height)
-{
-    const long long wanted = 1280, wantedHeight = 720;
-    std::istringstream sizes(rig::AdvertisedSizes());
-    long long best = -1;
-    int w, h;
-    char x;
-    *width = *height = 0;
-    while (sizes >> w >> x >> h) {
-        long long overlap = std::min<long long>(w, wanted) * std::min<long long>(h, wantedHeight);
-        long long distance = w * h + wanted * wantedHeight - 2 * overlap;
-        if (best < 0 || distance < best) {
-            best = distance;
-            *width = w;
-            *height = h;
-        }
-    }
-}
-
 void RealDeviceTest::FeedCamera(int framesPerSecond)
 {
     int width, height;
-    StreamedSize(&width, &height);
+    rig::StreamedSize(&width, &height);
     ASSERT_GT(width, 0) << "no advertised size";
-    feeder.reset(new FrameFeeder(width, height, framesPerSecond));
+    feeder.reset(new FrameFeeder(rig::Var("VM_UVC_FIFO"), width, height, framesPerSecond));
     ASSERT_TRUE(feeder->Start()) << "cannot write " << rig::Var("VM_UVC_FIFO");
 }
 

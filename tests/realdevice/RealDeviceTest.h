@@ -25,9 +25,6 @@ protected:
     void ConnectModule();
     // Feeds pictures of the size the camera streams into its FIFO.
     void FeedCamera(int framesPerSecond = 15);
-    // The advertised size that uvcvideo picks for the library's request of
-    // 1280x720: the nearest by its measure of overlapping area.
-    static void StreamedSize(int* width, int* height);
     // One GetFrame call with room for the side text.
     int Grab(std::vector<char>& image);
     // Polls GetFrame until it gives something other than -11 or `seconds` pass.

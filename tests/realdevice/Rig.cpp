@@ -7,8 +7,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <fstream>
+#include <sstream>
 #include <thread>
 #include <vector>
 
@@ -127,6 +129,25 @@ std::string AdvertisedSizes()
         sizes += (sizes.empty() ? "" : " ") + FirstLine(frame + "/wWidth") + "x" + FirstLine(frame + "/wHeight");
     }
     return sizes;
+}
+
+void StreamedSize(int* width, int* height)
+{
+    const long long wantedWidth = 1280, wantedHeight = 720;
+    std::istringstream sizes(AdvertisedSizes());
+    long long best = -1;
+    long long w, h;
+    char x;
+    *width = *height = 0;
+    while (sizes >> w >> x >> h) {
+        long long overlap = std::min(w, wantedWidth) * std::min(h, wantedHeight);
+        long long distance = w * h + wantedWidth * wantedHeight - 2 * overlap;
+        if (best < 0 || distance < best) {
+            best = distance;
+            *width = static_cast<int>(w);
+            *height = static_cast<int>(h);
+        }
+    }
 }
 
 }  // namespace rig

@@ -29,6 +29,9 @@ void SetCameraSilent(bool silent);
 
 // The sizes the camera advertises, as "WxH" in the gadget's order.
 std::string AdvertisedSizes();
+// The advertised size that uvcvideo picks for the library's request of
+// 1280x720: the nearest by its measure of overlapping area.
+void StreamedSize(int* width, int* height);
 
 }  // namespace rig
 

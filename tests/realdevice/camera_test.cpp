@@ -39,7 +39,7 @@ protected:
         RealDeviceTest::SetUp();
         if (IsSkipped() || HasFatalFailure())
             return;
-        StreamedSize(&width, &height);
+        rig::StreamedSize(&width, &height);
         image.resize(size_t(width) * height * 4);
     }
     bool Shows(Rgb colour) { return PixelNear(image, width, width / 2, height / 2, colour); }

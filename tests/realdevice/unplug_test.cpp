@@ -36,7 +36,7 @@ TEST_F(RealDeviceTest, UnplugInTheMiddleOfARequest)
 TEST_F(RealDeviceTest, UnplugInTheMiddleOfTheStream)
 {
     int width, height;
-    StreamedSize(&width, &height);
+    rig::StreamedSize(&width, &height);
     std::vector<char> image(size_t(width) * height * 4);
     std::string text;
     FeedCamera();
