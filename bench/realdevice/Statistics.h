@@ -1,0 +1,13 @@
+// Summaries of repeated measurements.
+#ifndef BENCH_REALDEVICE_STATISTICS_H
+#define BENCH_REALDEVICE_STATISTICS_H
+
+#include <string>
+#include <vector>
+
+// "median M, p90 P, min A, max B (n N)" of the samples, with their unit.
+std::string Summary(std::vector<double> samples, const char* unit);
+double Median(std::vector<double> samples);
+double SecondsNow();
+
+#endif
