@@ -10,9 +10,12 @@ namespace {
 const char kUsage[] =
     "Usage: aicam-sim [OPTION]...\n"
     "Runs a simulated AI camera module on a pseudo-terminal. The first line on\n"
-    "standard output is the serial device to open; the simulator runs until it\n"
-    "receives SIGINT or SIGTERM.\n"
+    "standard output is the serial device it serves, written once that device is\n"
+    "open; the simulator runs until it receives SIGINT or SIGTERM.\n"
     "\n"
+    "  --tty PATH             serve this terminal device (such as a USB gadget's\n"
+    "                         /dev/ttyGS0) in raw mode instead of a pseudo-terminal;\n"
+    "                         when its host hangs up, it is opened again\n"
     "  --link PATH            also make PATH a symbolic link to the serial device\n"
     "  --library FILE         keep the face library in FILE between runs (loaded at\n"
     "                         start when it exists, saved on every change)\n"
@@ -108,6 +111,7 @@ ParseResult ParseOptions(int argc, char** argv, SimOptions& o, std::string& erro
         bool ok = true;
         bool known = true;
         if (arg == "--link") o.linkPath = value;
+        else if (arg == "--tty") o.ttyPath = value;
         else if (arg == "--library") o.libraryFile = value;
         else if (arg == "--video") o.videoPath = value;
         else if (arg == "--size") ok = ParseSize(value, o.width, o.height);
@@ -134,6 +138,10 @@ ParseResult ParseOptions(int argc, char** argv, SimOptions& o, std::string& erro
     }
     o.frames = frames;
     o.unplugAfter = unplug;
+    if (!o.ttyPath.empty() && !o.linkPath.empty()) {
+        error = "--link names a pseudo-terminal, which --tty does not make";
+        return ParseResult::Error;
+    }
     if (o.makeFifo && o.videoPath.empty()) {
         error = "--fifo needs --video PATH";
         return ParseResult::Error;

@@ -9,6 +9,7 @@ namespace aicamsim {
 
 struct SimOptions {
     std::string linkPath;
+    std::string ttyPath;           // serve this terminal device instead of a pseudo-terminal
     std::string libraryFile;
     std::string videoPath;
     bool makeFifo = false;

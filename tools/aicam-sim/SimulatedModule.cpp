@@ -43,6 +43,32 @@ bool SimulatedModule::MakeLink(std::string& error) {
     return true;
 }
 
+bool SimulatedModule::OpenSerial(std::string& error) {
+    if (m_options.ttyPath.empty()) {
+        if (m_simulator.Start()) return true;
+        error = "cannot open a pseudo-terminal";
+        return false;
+    }
+    if (m_simulator.StartOnDevice(m_options.ttyPath)) return true;
+    error = "cannot open " + m_options.ttyPath + " as a terminal: " + std::strerror(errno);
+    return false;
+}
+
+// A gadget's serial node hangs up for good when its host unplugs the module;
+// the next host session needs the node opened anew.
+void SimulatedModule::ServeDeviceAgain() {
+    if (!m_awaitingHost) {
+        if (!m_simulator.HungUp()) return;
+        m_simulator.Stop();
+        m_awaitingHost = true;
+        std::fprintf(stderr, "aicam-sim: the host hung up %s; opening it again\n", m_options.ttyPath.c_str());
+    }
+    std::string error;
+    if (!OpenSerial(error)) return;   // tried again on the next poll
+    m_awaitingHost = false;
+    std::fprintf(stderr, "aicam-sim: module ready on %s\n", m_options.ttyPath.c_str());
+}
+
 bool SimulatedModule::LoadLibrary(std::string& error) {
     if (::access(m_options.libraryFile.c_str(), F_OK) == 0 && !m_model.LoadLibrary(m_options.libraryFile, error))
         return false;
@@ -62,10 +88,7 @@ bool SimulatedModule::Start(std::string& error) {
     m_simulator.DropNextAnswers(m_options.dropAnswers);
     m_simulator.CorruptNextChecksums(m_options.corruptChecksums);
     if (!m_options.garbage.empty()) m_simulator.SetGarbageBeforeNext(m_options.garbage);
-    if (!m_simulator.Start()) {
-        error = "cannot open a pseudo-terminal";
-        return false;
-    }
+    if (!OpenSerial(error)) return false;
     if (!m_options.linkPath.empty() && !MakeLink(error)) return false;
     if (!m_options.videoPath.empty()) {
         if (m_options.makeFifo && ::access(m_options.videoPath.c_str(), F_OK) != 0) {
@@ -85,6 +108,7 @@ bool SimulatedModule::Start(std::string& error) {
 }
 
 void SimulatedModule::Poll() {
+    if (!m_options.ttyPath.empty() && !m_unplugged) ServeDeviceAgain();
     if (!m_unplugDue || m_unplugged) return;
     m_unplugged = true;
     m_simulator.Unplug();

@@ -19,7 +19,8 @@ public:
 
     // False with `error` set when the module cannot start.
     bool Start(std::string& error);
-    // Called regularly by the main loop: carries out a due unplug.
+    // Called regularly by the main loop: carries out a due unplug, and opens a
+    // terminal device again after its host hung up.
     void Poll();
     void Stop();
     std::string SerialPath() const { return m_simulator.SlavePath(); }
@@ -28,6 +29,8 @@ public:
 private:
     std::optional<sim::Bytes> Gate(const sim::Request& request);
     bool MakeLink(std::string& error);
+    bool OpenSerial(std::string& error);
+    void ServeDeviceAgain();
     bool LoadLibrary(std::string& error);
 
     SimOptions m_options;
@@ -37,6 +40,7 @@ private:
     std::atomic<long long> m_requests{0};
     std::atomic<bool> m_unplugDue{false};
     bool m_unplugged = false;
+    bool m_awaitingHost = false;   // the terminal device hung up and is not open again yet
     bool m_linkMade = false;
     bool m_fifoMade = false;
 };

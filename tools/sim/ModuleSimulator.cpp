@@ -43,14 +43,43 @@ bool ModuleSimulator::Start()
         cfmakeraw(&raw);
         ok = tcsetattr(s.slave, TCSANOW, &raw) == 0;
     }
-    ok = ok && fcntl(s.master, F_SETFL, fcntl(s.master, F_GETFL) | O_NONBLOCK) == 0 && pipe(s.wakePipe) == 0;
     if (!ok) {
         s.Shutdown();
         return false;
     }
-    s.running = true;
-    s.reader = std::thread(&State::ReadLoop, &s);
-    s.writer = std::thread(&State::WriteLoop, &s);
+    return s.Begin();
+}
+
+bool ModuleSimulator::StartOnDevice(const std::string& path)
+{
+    State& s = *m_state;
+    if (s.running)
+        return true;
+    s.master = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+    struct termios raw;
+    bool ok = s.master >= 0 && tcgetattr(s.master, &raw) == 0;
+    if (ok) {
+        cfmakeraw(&raw);
+        ok = tcsetattr(s.master, TCSANOW, &raw) == 0;
+    }
+    if (!ok) {
+        s.Shutdown();
+        return false;
+    }
+    s.slavePath = path;
+    return s.Begin();
+}
+
+bool ModuleSimulator::State::Begin()
+{
+    if (fcntl(master, F_SETFL, fcntl(master, F_GETFL) | O_NONBLOCK) != 0 || pipe(wakePipe) != 0) {
+        Shutdown();
+        return false;
+    }
+    hungUp = false;
+    running = true;
+    reader = std::thread(&State::ReadLoop, this);
+    writer = std::thread(&State::WriteLoop, this);
     return true;
 }
 
@@ -81,6 +110,8 @@ void ModuleSimulator::Stop() { m_state->Shutdown(); }
 void ModuleSimulator::Unplug() { m_state->Shutdown(); }
 
 std::string ModuleSimulator::SlavePath() const { return m_state->slavePath; }
+
+bool ModuleSimulator::HungUp() const { return m_state->hungUp; }
 
 void ModuleSimulator::SetHandler(uint16_t tag, Handler h)
 {

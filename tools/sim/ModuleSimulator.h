@@ -35,8 +35,14 @@ public:
     ModuleSimulator& operator=(const ModuleSimulator&) = delete;
 
     bool Start();                             // opens a pty pair (raw mode), starts the reader thread
+    // Serves an existing terminal device (such as a USB gadget's serial node)
+    // in raw mode instead of a pty; SlavePath() is then that device.
+    bool StartOnDevice(const std::string& path);
     void Stop();
     std::string SlavePath() const;            // e.g. "/dev/pts/5": what the library opens
+    // The device hung up (its host went away): the reader has stopped; Stop()
+    // and StartOnDevice() again to serve the next host.
+    bool HungUp() const;
 
     void SetHandler(uint16_t tag, Handler h); // replaces; an empty Handler removes it
     void SetDefaultHandler(Handler h);        // for tags without a handler (default: no answer)

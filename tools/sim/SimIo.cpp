@@ -25,10 +25,15 @@ void ModuleSimulator::State::ReadLoop()
         }
         if (fds[1].revents)
             return;
-        if (!(fds[0].revents & POLLIN))
+        if (!(fds[0].revents & (POLLIN | POLLHUP | POLLERR)))
             continue;
         ssize_t got = read(master, chunk, sizeof chunk);
-        if (got <= 0)
+        if (got == 0 || (got < 0 && errno != EAGAIN && errno != EINTR)) {
+            // A terminal device whose host went away reads end-of-file for good.
+            hungUp = true;
+            return;
+        }
+        if (got < 0)
             continue;
         std::vector<Request> found;
         {

@@ -42,6 +42,7 @@ struct ModuleSimulator::State {
     int wakePipe[2] = {-1, -1};
     std::string slavePath;
     std::atomic<bool> running{false};
+    std::atomic<bool> hungUp{false};
     std::thread reader;
     std::thread writer;
 
@@ -68,6 +69,8 @@ struct ModuleSimulator::State {
     bool WriteItem(const OutItem& item);
     bool WriteAll(const uint8_t* data, size_t len);
     void Shutdown();
+    // With master open: makes it non-blocking and starts both threads.
+    bool Begin();
 };
 }  // namespace sim
 
