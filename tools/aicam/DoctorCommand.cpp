@@ -157,16 +157,21 @@ void CheckModemManager(Checks& checks, const std::string& serial)
                        "--reload && sudo udevadm trigger; or sudo systemctl stop ModemManager");
 }
 
+// False, with the reason, when the library could not open the node.
+bool Connected(Checks& checks, const char* check, int result, const std::string& node, const char* group,
+               const std::string& fix)
+{
+    if (result != 0)
+        checks.Failure(check, ConnectProblem(node, group, result), fix);
+    return result == 0;
+}
+
 void CheckPing(Checks& checks, void* dev, const std::string& serial)
 {
-    int result = ConnectSerial(dev, serial.c_str());
-    if (result != 0) {
-        checks.Failure("ping", ConnectProblem(serial, kSerialGroup, ResultText(result) + ": " + serial),
-                       "see the lines above");
+    if (!Connected(checks, "ping", ConnectSerial(dev, serial.c_str()), serial, kSerialGroup, "see the lines above"))
         return;
-    }
     const long long start = MonotonicNs();
-    result = Ping(dev, kPingText, static_cast<unsigned int>(strlen(kPingText)));
+    int result = Ping(dev, kPingText, static_cast<unsigned int>(strlen(kPingText)));
     char detail[64];
     snprintf(detail, sizeof detail, "the module answered in %.1f ms", (MonotonicNs() - start) / 1e6);
     if (result == 0)
@@ -178,14 +183,11 @@ void CheckPing(Checks& checks, void* dev, const std::string& serial)
 
 void CheckFrame(Checks& checks, void* dev, const std::string& video)
 {
-    int result = ConnectCamera(dev, video.c_str());
-    if (result != 0) {
-        checks.Failure("frame", ConnectProblem(video, kVideoGroup, ResultText(result) + ": " + video),
-                       "plug the module in again; give --video the capture node `aicam list` shows");
+    if (!Connected(checks, "frame", ConnectCamera(dev, video.c_str()), video, kVideoGroup,
+                   "plug the module in again; give --video the capture node `aicam list` shows"))
         return;
-    }
     Picture picture;
-    result = TakePicture(dev, kFrameTimeoutS, picture);
+    int result = TakePicture(dev, kFrameTimeoutS, picture);
     if (result == 0) {
         checks.Pass("frame", std::to_string(picture.width) + "x" + std::to_string(picture.height) + ", side text " +
                                  (picture.sideText[0] ? picture.sideText.data() : "(none)"));

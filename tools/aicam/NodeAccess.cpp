@@ -12,6 +12,8 @@
 
 #include <fstream>
 
+#include "ResultText.h"
+
 const char* const kSerialGroup = "dialout";
 const char* const kVideoGroup = "video";
 
@@ -104,7 +106,7 @@ std::vector<std::string> NodeHolders(const std::string& node)
     return holders;
 }
 
-std::string ConnectProblem(const std::string& node, const char* group, const std::string& fallback)
+std::string ConnectProblem(const std::string& node, const char* group, int result)
 {
     std::string problem = OpenProblem(node, group);
     if (!problem.empty())
@@ -112,7 +114,7 @@ std::string ConnectProblem(const std::string& node, const char* group, const std
     std::vector<std::string> holders = NodeHolders(node);
     if (!holders.empty())
         return node + " is in use by another program: " + JoinWords(holders, ", ");
-    return fallback;
+    return ResultText(result) + ": " + node;
 }
 
 std::string UdevProperty(const std::string& node, const std::string& key)

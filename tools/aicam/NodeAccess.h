@@ -18,9 +18,9 @@ std::string OpenProblem(const std::string& node, const char* group);
 // only those this user may look into.
 std::vector<std::string> NodeHolders(const std::string& node);
 
-// Why connecting to the node failed: OpenProblem, else the programs holding
-// it, else `fallback`.
-std::string ConnectProblem(const std::string& node, const char* group, const std::string& fallback);
+// Why connecting to the node failed with the library's `result`: OpenProblem,
+// else the programs holding it, else the result's own text.
+std::string ConnectProblem(const std::string& node, const char* group, int result);
 
 // A property that udev recorded for the node ("" when udev has no record).
 std::string UdevProperty(const std::string& node, const std::string& key);

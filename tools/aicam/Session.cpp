@@ -73,7 +73,7 @@ int Session::ConnectSerial(const std::string& command)
         return Fail(command, -4, "the serial port name is longer than 254 characters");
     int result = ::ConnectSerial(m_dev, port.c_str());
     if (result != 0)
-        return Fail(command, result, ConnectProblem(port, kSerialGroup, ResultText(result) + ": " + port));
+        return Fail(command, result, ConnectProblem(port, kSerialGroup, result));
     m_serialOpen = true;
     return 0;
 }
@@ -94,7 +94,7 @@ int Session::ConnectVideo(const std::string& command)
         source = m_options.video;
         result = ConnectCamera(m_dev, source.c_str());
         if (result != 0)
-            return Fail(command, result, ConnectProblem(source, kVideoGroup, ResultText(result) + ": " + source));
+            return Fail(command, result, ConnectProblem(source, kVideoGroup, result));
     }
     if (result != 0)
         return Fail(command, result, ResultText(result) + ": " + source);
