@@ -10,54 +10,84 @@ CameraManager* CameraManager::GetInstance()
     return &instance;
 }
 
-CameraManager::CameraManager() : m_pCamera(nullptr) { m_lock.Init(); }
+CameraManager::CameraManager() : m_pCamera(nullptr), m_pOpening(nullptr)
+{
+    m_lock.Init();
+    m_startLock.Init();
+}
 
 CameraManager::~CameraManager() { StopCamera(); }
 
-void CameraManager::stopLocked()
+void CameraManager::destroy(Camera* camera)
 {
-    if (m_pCamera) {
-        m_pCamera->closeCamera();
-        delete m_pCamera;
-        m_pCamera = nullptr;
+    if (camera) {
+        camera->closeCamera();
+        delete camera;
     }
 }
 
-int CameraManager::adopt(Camera* camera, int openResult)
+Camera* CameraManager::detachLocked()
 {
-    if (openResult != 0) {
-        delete camera;
-        return openResult;
+    Camera* camera = m_pCamera;
+    m_pCamera = nullptr;
+    if (m_pOpening) {
+        m_pOpening->cancelOpen();
+        m_pOpening = nullptr;
     }
-    m_pCamera = camera;
-    return 0;
+    return camera;
+}
+
+int CameraManager::start(const std::function<int(FFCamera*)>& open)
+{
+    // An earlier open still in progress gives way to this one.
+    m_lock.Lock();
+    if (m_pOpening)
+        m_pOpening->cancelOpen();
+    m_lock.Unlock();
+
+    m_startLock.Lock();
+    FFCamera* camera = new FFCamera();
+    m_lock.Lock();
+    Camera* previous = detachLocked();
+    m_pOpening = camera;
+    m_lock.Unlock();
+    destroy(previous);
+
+    int result = open(camera);
+
+    m_lock.Lock();
+    // A stop or another start in the meantime took the camera's place.
+    const bool wanted = m_pOpening == camera;
+    if (wanted)
+        m_pOpening = nullptr;
+    if (wanted && result == 0) {
+        m_pCamera = camera;
+        camera = nullptr;
+    }
+    m_lock.Unlock();
+    if (camera && result == 0)
+        result = -10;
+    destroy(camera);
+    m_startLock.Unlock();
+    return result;
 }
 
 int CameraManager::StartCamera(void* name)
 {
-    m_lock.Lock();
-    stopLocked();
-    FFCamera* camera = new FFCamera();
-    int result = adopt(camera, camera->openCamera(static_cast<const char*>(name)));
-    m_lock.Unlock();
-    return result;
+    return start([name](FFCamera* camera) { return camera->openCamera(static_cast<const char*>(name)); });
 }
 
 int CameraManager::StartPlayback(const char* path, int framesPerSecond)
 {
-    m_lock.Lock();
-    stopLocked();
-    FFCamera* camera = new FFCamera();
-    int result = adopt(camera, camera->openPlayback(path, framesPerSecond));
-    m_lock.Unlock();
-    return result;
+    return start([path, framesPerSecond](FFCamera* camera) { return camera->openPlayback(path, framesPerSecond); });
 }
 
 int CameraManager::StopCamera()
 {
     m_lock.Lock();
-    stopLocked();
+    Camera* camera = detachLocked();
     m_lock.Unlock();
+    destroy(camera);
     return 0;
 }
 

@@ -2,9 +2,12 @@
 #ifndef AICAMERA_CAMERAMANAGER_H
 #define AICAMERA_CAMERAMANAGER_H
 
+#include <functional>
+
 #include "../OS/OS_Mutex.h"
 
 class Camera;
+class FFCamera;
 
 class CameraManager {
 public:
@@ -15,10 +18,12 @@ public:
 
     // Replaces any current camera by the video node `name`; 0 or the open's code.
     int StartCamera(void* name);
-    // Replaces any current camera by a recorded MJPEG file or FIFO, replayed
-    // at framesPerSecond; 0, -4 for a null path or a rate outside 1..1000,
-    // -10 when it cannot be opened.
+    // Replaces any current camera by a recorded MJPEG file or FIFO, a file
+    // replayed at framesPerSecond; 0, -4 for a null path or a rate outside
+    // 1..1000, -10 when it cannot be opened.
     int StartPlayback(const char* path, int framesPerSecond);
+    // Stops the current camera and cancels an open in progress (which then
+    // returns -10); always 0.
     int StopCamera();
     // -1 with no camera, else the camera's own result.
     int GetFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize);
@@ -27,13 +32,21 @@ public:
 
 private:
     CameraManager();
-    // Keeps the camera when it opened, destroys it otherwise; returns openResult.
-    int adopt(Camera* camera, int openResult);
-    void stopLocked();
+    // Opens a fresh camera with `open` while holding no lock that the other
+    // calls take: until it is open they see no camera, and never wait for it.
+    int start(const std::function<int(FFCamera*)>& open);
+    // Detaches the current camera and cancels an open in progress; the caller closes what it got.
+    Camera* detachLocked();
+    static void destroy(Camera* camera);
 
     Camera* m_pCamera;
-    // Keeps a frame copy from racing the teardown of the camera it copies from.
+    // The camera being opened, or null; never used by GetFrame and the like.
+    FFCamera* m_pOpening;
+    // Guards both pointers, held only for moments: a frame copy never races
+    // the teardown of the camera it copies from.
     OS_Mutex m_lock;
+    // One open at a time; only opens wait for it.
+    OS_Mutex m_startLock;
 };
 
 #endif

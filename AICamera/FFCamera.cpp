@@ -4,10 +4,10 @@
 #include <limits.h>
 #include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
-#include <libavdevice/avdevice.h>
 #include <libavformat/avformat.h>
 #include <libavutil/error.h>
 #include <libavutil/mem.h>
@@ -18,12 +18,10 @@ extern "C" {
 #include "Trace.h"
 
 namespace {
-const int kPathSize = 256;
 const int kFailedReadSleepMs = 10;
 // Texts this short are not the module's side text.
 const int kMinSideText = 15;
 const unsigned char kDroppedPacketTag = 1;
-const int kMaxPlaybackRate = 1000;
 
 int LastBracePlusOne(const char* text, int length)
 {
@@ -49,6 +47,9 @@ FFCamera::FFCamera()
       m_bSideTextReady(false),
       m_bRunning(false),
       m_bStop(false),
+      m_bCancelled(false),
+      m_bGone(false),
+      m_bPlayback(false),
       m_bPaced(false)
 {
     m_openLock.Init();
@@ -64,139 +65,6 @@ FFCamera::~FFCamera()
     closeCamera();
     TRACE_AT(LOG_LEVER_TRACE, "[~FFCamera] out\n");
 }
-
-void FFCamera::beginOpen(const char* name)
-{
-    closeCamera();
-    free(m_pDeviceName);
-    m_pDeviceName = name ? strdup(name) : nullptr;
-    m_bStop = false;
-}
-
-int FFCamera::openCamera(const char* name)
-{
-    beginOpen(name);
-    m_openLock.Lock();
-    av_log_set_level(AV_LOG_QUIET);
-    void* demuxers = nullptr;
-    av_demuxer_iterate(&demuxers);
-    avdevice_register_all();
-    const AVInputFormat* format = av_find_input_format("v4l2");
-    AVDictionary* options = nullptr;
-    av_dict_set(&options, "input_format", "mjpeg", 0);
-    av_dict_set(&options, "framerate", "30", 0);
-    av_dict_set(&options, "video_size", "1280x720", 0);
-    av_dict_set(&options, "stimeout", "2000000", 0);
-    av_dict_set(&options, "max_delay", "500000", 0);
-    m_bPaced = false;
-    return openStream(__func__, format, &options, AVFMT_FLAG_NONBLOCK);
-}
-
-int FFCamera::openPlayback(const char* path, int framesPerSecond)
-{
-    beginOpen(path);
-    if (!path || framesPerSecond <= 0 || framesPerSecond > kMaxPlaybackRate)
-        return -4;
-    m_openLock.Lock();
-    av_log_set_level(AV_LOG_QUIET);
-    int result = m_input.Open(path);
-    if (result < 0) {
-        return failOpen(__func__, __LINE__, "camera open failed! : %s\n", result);
-    }
-    AVDictionary* options = nullptr;
-    char rate[16];
-    snprintf(rate, sizeof rate, "%d", framesPerSecond);
-    av_dict_set(&options, "framerate", rate, 0);
-    // The frame rate is given: no need to read ahead to estimate it.
-    av_dict_set(&options, "fpsprobesize", "0", 0);
-    m_bPaced = true;
-    m_pacer.Start(framesPerSecond);
-    return openStream(__func__, av_find_input_format("mjpeg"), &options, 0);
-}
-
-// Records the failure under the public entry point's name and releases the open lock.
-int FFCamera::failOpen(const char* caller, int line, const char* body, int error)
-{
-    char text[sizeof m_szError];
-    av_strerror(error, text, sizeof text - 1);
-    TraceRecord(LOG_LEVER_ERROR, TRACE_FILE, caller, line, body, text);
-    m_openLock.Unlock();
-    return -10;
-}
-
-// Called with the open lock held; releases it.
-int FFCamera::openStream(const char* caller, const AVInputFormat* format, AVDictionary** options,
-                         int flags)
-{
-    char path[kPathSize];
-    int result = AVERROR(EINVAL);
-    if (m_pDeviceName && strlen(m_pDeviceName) < sizeof path) {
-        strcpy(path, m_pDeviceName);
-        m_pFormatCtx = avformat_alloc_context();
-        result = AVERROR(ENOMEM);
-    }
-    if (m_pFormatCtx) {
-        m_pFormatCtx->flags |= flags;
-        m_pFormatCtx->interrupt_callback.callback = &FFCamera::interrupted;
-        m_pFormatCtx->interrupt_callback.opaque = this;
-        m_pFormatCtx->pb = m_input.Context();
-        result = avformat_open_input(&m_pFormatCtx, path, format, options);
-    }
-    av_dict_free(options);
-    if (result < 0) {
-        return failOpen(caller, __LINE__, "camera open failed! : %s\n", result);
-    }
-    avformat_find_stream_info(m_pFormatCtx, nullptr);
-    traceStreams();
-    if (openDecoder(caller) != 0)
-        return -10;
-    m_bRunning = true;
-    m_pPacket = av_packet_alloc();
-    m_pFrame = av_frame_alloc();
-    m_openLock.Unlock();
-    TRACE_AT(LOG_LEVER_TRACE, "FFCamera::openCamera thread start\n");
-    if (Run() != 0)
-        return -10;
-    return 0;
-}
-
-void FFCamera::traceStreams()
-{
-    for (unsigned int i = 0; i < m_pFormatCtx->nb_streams; ++i) {
-        const AVCodecParameters* codec = m_pFormatCtx->streams[i]->codecpar;
-        TRACE_AT(LOG_LEVER_TRACE, "codec_id = %d\n", codec->codec_id);
-        TRACE_AT(LOG_LEVER_TRACE, "format = %d\n", codec->format);
-        if (codec->codec_type == AVMEDIA_TYPE_VIDEO) {
-            setResolution(codec->width, codec->height);
-            TRACE_AT(LOG_LEVER_TRACE, "width = %d\n", codec->width);
-            TRACE_AT(LOG_LEVER_TRACE, "height = %d\n", codec->height);
-        }
-    }
-}
-
-// Called with the open lock held; releases it on failure.
-int FFCamera::openDecoder(const char* caller)
-{
-    int index = av_find_best_stream(m_pFormatCtx, AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
-    const AVCodecParameters* parameters = index >= 0 ? m_pFormatCtx->streams[index]->codecpar : nullptr;
-    const AVCodec* decoder = parameters ? avcodec_find_decoder(parameters->codec_id) : nullptr;
-    if (!decoder) {
-        TraceRecord(LOG_LEVER_ERROR, TRACE_FILE, caller, __LINE__, "can't find the codec id : %d\n",
-                    parameters ? parameters->codec_id : AV_CODEC_ID_NONE);
-        m_openLock.Unlock();
-        return -10;
-    }
-    m_pCodecCtx = avcodec_alloc_context3(decoder);
-    int result = m_pCodecCtx ? avcodec_parameters_to_context(m_pCodecCtx, parameters) : AVERROR(ENOMEM);
-    if (result >= 0)
-        result = avcodec_open2(m_pCodecCtx, nullptr, nullptr);
-    if (result < 0) {
-        return failOpen(caller, __LINE__, "avcodec_open2 failed : %s\n", result);
-    }
-    return 0;
-}
-
-int FFCamera::interrupted(void* self) { return static_cast<FFCamera*>(self)->m_bStop ? 1 : 0; }
 
 void FFCamera::closeCamera()
 {
@@ -227,6 +95,10 @@ int FFCamera::Routine()
         if (!m_bRunning)
             break;
         if (readAndSendPacket() != 0) {
+            if (m_bGone) {
+                TRACE_AT(LOG_LEVER_ERROR, "camera gone, capture stopped : %s\n", m_szError);
+                break;
+            }
             OS_Thread::MSleep(kFailedReadSleepMs);
             continue;
         }
@@ -235,6 +107,24 @@ int FFCamera::Routine()
     }
     TRACE_AT(LOG_LEVER_TRACE, "FFCamera::Routine thread exit\n");
     return 0;
+}
+
+int FFCamera::readPacket()
+{
+    if (m_bPlayback) {
+        AVIOInterruptCB interrupt = {&FFCamera::interrupted, this};
+        return m_input.ReadPacket(m_pPacket, interrupt);
+    }
+    return m_pFormatCtx ? av_read_frame(m_pFormatCtx, m_pPacket) : AVERROR(EINVAL);
+}
+
+// An unplugged camera fails its reads with ENODEV, or its node has gone;
+// either way no picture will come again.
+bool FFCamera::deviceGone(int readError) const
+{
+    if (m_bPlayback || readError == AVERROR(EAGAIN))
+        return false;
+    return readError == AVERROR(ENODEV) || !m_pDeviceName || access(m_pDeviceName, F_OK) != 0;
 }
 
 int FFCamera::readAndSendPacket()
@@ -246,12 +136,15 @@ int FFCamera::readAndSendPacket()
     if (!m_pPacket || !m_openLock.TryAcquire())
         return -1;
     int result = -1;
-    if (m_pFormatCtx && m_pCodecCtx) {
-        int read = av_read_frame(m_pFormatCtx, m_pPacket);
-        if (read < 0)
-            av_strerror(read, m_szError, sizeof m_szError);
-        else
+    if (m_pCodecCtx) {
+        int read = readPacket();
+        if (read >= 0) {
             result = sendPacket();
+        } else {
+            av_strerror(read, m_szError, sizeof m_szError);
+            if (deviceGone(read))
+                m_bGone = true;
+        }
     }
     av_packet_unref(m_pPacket);
     m_openLock.Unlock();
@@ -339,6 +232,8 @@ int FFCamera::getFrame(char* imageBuf, int imageSize, char* verifyBuf, int verif
 {
     if ((imageSize > 0 && !imageBuf) || (verifySize > 0 && !verifyBuf))
         return -4;
+    if (m_bGone)
+        return -10;
     m_frameLock.Lock();
     int result = 0;
     if (imageSize > 0) {

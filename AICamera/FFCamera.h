@@ -8,6 +8,7 @@
 #include "../OS/OS_Mutex.h"
 #include "../OS/OS_Thread.h"
 #include "Camera.h"
+#include "Deadline.h"
 #include "PlaybackInput.h"
 #include "PlaybackPacer.h"
 #include "SideText.h"
@@ -18,37 +19,53 @@ struct AVFrame;
 struct AVPacket;
 struct AVInputFormat;
 struct AVDictionary;
+struct AVCodecParameters;
 struct SwsContext;
 
 class FFCamera : public Camera, public OS_Thread {
 public:
+    // How long an open waits for the stream's first picture.
+    static const int OPEN_TIMEOUT_MS = 5000;
+
     FFCamera();
     ~FFCamera() override;
 
-    // Opens the video node `name` through the "v4l2" input as 1280x720 MJPEG at 30 fps.
+    // Opens the video node `name` through the "v4l2" input as 1280x720 MJPEG
+    // at 30 fps; 0, or -10 when it cannot be opened or sends no picture
+    // within OPEN_TIMEOUT_MS.
     int openCamera(const char* name) override;
-    // Opens a recorded MJPEG file or FIFO through the "mjpeg" input and hands
-    // out its pictures at framesPerSecond (1..1000); 0 or -10.
+    // Opens a recorded MJPEG file, or a FIFO that a live writer feeds, and
+    // hands out its pictures: a file's at framesPerSecond (1..1000), a FIFO's
+    // as they arrive. 0, -4 for a bad argument, or -10 when no picture could
+    // be decoded within OPEN_TIMEOUT_MS.
     int openPlayback(const char* path, int framesPerSecond);
+    // Makes an open in progress on another thread give up soon with -10.
+    void cancelOpen();
     void closeCamera() override;
+    // Also -10 once the camera has gone (unplugged): no picture will come again.
     int getFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize) override;
 
     int Routine() override;
 
 private:
     void beginOpen(const char* name);
-    // The open steps shared by both sources; caller names the entry point in records.
-    int openStream(const char* caller, const AVInputFormat* format, AVDictionary** options, int flags);
     int failOpen(const char* caller, int line, const char* body, int error);
-    void traceStreams();
-    int openDecoder(const char* caller);
+    int failOpenText(const char* caller, int line, const char* body, const char* text);
+    int openDevice(const char* caller, const AVInputFormat* format, AVDictionary** options);
+    int probePlayback(const char* caller);
+    void traceStream(const char* caller, int codecId, int format, bool video, int width, int height);
+    int openDecoder(const char* caller, int codecId, const AVCodecParameters* parameters);
+    int startCapture(const char* caller);
+    int readPacket();
     int readAndSendPacket();
     int sendPacket();
     bool receiveFrame();
     void convertFrame();
     bool ensureImageBuffer(long long needed);
     void publishSideText();
+    bool deviceGone(int readError) const;
     static int interrupted(void* self);
+    static int interruptedProbe(void* self);
 
     AVFormatContext* m_pFormatCtx;
     AVCodecContext* m_pCodecCtx;
@@ -69,7 +86,12 @@ private:
     bool m_bSideTextReady;
     std::atomic<bool> m_bRunning;
     std::atomic<bool> m_bStop;
-    // Playback only: the recording's bytes and its frame rate.
+    std::atomic<bool> m_bCancelled;
+    // Set once the device has gone; the capture thread has then ended.
+    std::atomic<bool> m_bGone;
+    Deadline m_openDeadline;
+    // Playback only: the recording's packets and, for a file, its frame rate.
+    bool m_bPlayback;
     PlaybackInput m_input;
     bool m_bPaced;
     PlaybackPacer m_pacer;

@@ -2,15 +2,10 @@
 
 #include <errno.h>
 
+#include "Deadline.h"
+
 namespace {
 const long long kNsPerSecond = 1000000000LL;
-
-long long MonotonicNs()
-{
-    struct timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<long long>(now.tv_sec) * kNsPerSecond + now.tv_nsec;
-}
 }  // namespace
 
 PlaybackPacer::PlaybackPacer() : m_nIntervalNs(0), m_nNextNs(0) {}

@@ -9,9 +9,11 @@ const int SIDE_TEXT_MAX = 1024;
 
 // Copies the side text of the JPEG picture `data` (size bytes) into out
 // (SIDE_TEXT_MAX bytes) and returns its length, 0 when there is none. The
-// text is the data of the first comment segment; failing that, of the first
-// application segment that holds a "{"; failing that, the bytes after the
-// end-of-image marker. At most SIDE_TEXT_MAX bytes are taken.
+// text is the data of the first comment segment that holds a "{"; failing
+// that, of the first application segment that holds one; failing that, the
+// bytes after the end-of-image marker. Encoders write comments of their own
+// ("Lavc..."), which must not hide the module's text. At most SIDE_TEXT_MAX
+// bytes are taken.
 int ExtractSideText(const unsigned char* data, size_t size, char* out);
 
 #endif

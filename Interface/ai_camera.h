@@ -82,12 +82,15 @@ AI_CAMERA_API int EnumDevice(char* videoDevBuf, int videoDevSize, char* serialBu
 AI_CAMERA_API int ConnectSerial(void* dev, const char* portName);
 /* Closes the serial link. 0; -1 when not connected or dev is null. */
 AI_CAMERA_API int DisconnectSerial(void* dev);
-/* Opens the video node (e.g. "/dev/video0") and starts capturing. 0; -1, -4, -10. */
+/* Opens the video node (e.g. "/dev/video0") and starts capturing. Waits at most 5 s
+   for the first picture; other threads' camera calls see no camera until then.
+   0; -1, -4; -10 cannot be opened or no picture within 5 s. */
 AI_CAMERA_API int ConnectCamera(void* dev, const char* mediaName);
 /* Stops capturing. 0, or -1 for a null dev. */
 AI_CAMERA_API int DisconnectCamera(void* dev);
 /* Copies the latest BGRA picture (width*height*4 bytes) and its side text, each once.
-   0; -1 no camera; -4 bad buffer or side-text buffer too small; -11 no new picture. */
+   0; -1 no camera; -4 bad buffer or side-text buffer too small; -11 no new picture;
+   -10 the camera has gone (unplugged): DisconnectCamera, then ConnectCamera again. */
 AI_CAMERA_API int GetFrame(void* dev, char* imageBuf, int imageSize, char* verifyBuf, int verifySize);
 /* The local stream's width and height. 0, or -1 with no camera. */
 AI_CAMERA_API int GetResolution(void* dev, int* width, int* height);

@@ -14,10 +14,13 @@
 extern "C" {
 #endif
 
-/* Plays a recorded MJPEG stream (a file, or a FIFO fed by the module simulator) at
-   its frame rate as the handle's camera, behind the same GetFrame: each picture with
-   the side text embedded in its JPEG data. Replaces any open camera; stop it with
-   DisconnectCamera. 0; -1 null dev; -4 null or empty path; -10 not playable. */
+/* Plays an MJPEG stream as the handle's camera, behind the same GetFrame: each
+   picture with the side text embedded in its JPEG data. A recorded file is replayed
+   at 25 pictures a second; a FIFO that a live writer feeds (such as the module
+   simulator) is handed on picture by picture as each one's end arrives. Waits at
+   most 5 s for the first picture to decode. Replaces any open camera; stop it with
+   DisconnectCamera. 0; -1 null dev; -4 null or empty path; -10 not playable (no such
+   file, a directory, nothing in it decodes as MJPEG, or no picture within 5 s). */
 AI_CAMERA_API int ConnectCameraPlayback(void* dev, const char* path);
 
 /* One attached module: a USB device with both a CDC-ACM serial node and a UVC

@@ -1,7 +1,11 @@
 set(AICAM_SOURCES
   AICamera/Camera.cpp
   AICamera/CameraManager.cpp
+  AICamera/Deadline.cpp
   AICamera/FFCamera.cpp
+  AICamera/FFCameraOpen.cpp
+  AICamera/JpegSegments.cpp
+  AICamera/MjpegCutter.cpp
   AICamera/PlaybackInput.cpp
   AICamera/PlaybackPacer.cpp
   AICamera/SideText.cpp

@@ -2,8 +2,11 @@
 // which has no V4L2 device.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <atomic>
 #include <fstream>
+#include <future>
 #include <sstream>
 
 #include "AICamera/CameraManager.h"
@@ -12,6 +15,18 @@
 
 namespace {
 const char* const kOpenFailed = "[ERROR] [FILE : FFCamera][FUNCTION : openCamera][LINE : ";
+
+double SecondsSince(std::chrono::steady_clock::time_point start)
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+std::string LogText()
+{
+    std::stringstream log;
+    log << std::ifstream("Log/" + Log::GetInstance()->GetCurrDate() + ".log").rdbuf();
+    return log.str();
+}
 
 class CameraManagerTest : public ::testing::Test {
 protected:
@@ -40,9 +55,7 @@ TEST_F(CameraManagerTest, CodesWithNoCameraAndAfterFailedOpens)
     char notVideo[] = "not_a_camera";
     EXPECT_EQ(-10, Manager()->StartCamera(notVideo));  // the failed start leaves no camera
     EXPECT_EQ(-1, Manager()->GetFrame(image, sizeof image, nullptr, 0));
-    std::stringstream log;
-    log << std::ifstream("Log/" + Log::GetInstance()->GetCurrDate() + ".log").rdbuf();
-    const std::string text = log.str();
+    const std::string text = LogText();
     size_t body = text.find("]\ncamera open failed! : ", text.find(kOpenFailed));
     ASSERT_NE(std::string::npos, body) << text;
     EXPECT_GT(text.find('\n', body + 26), body + 26) << "FFmpeg's error text follows: " << text;
@@ -105,5 +118,78 @@ TEST_F(CameraManagerTest, FramesCopiedWhileTheCameraIsReplaced)
     for (std::thread& reader : readers)
         reader.join();
     EXPECT_GE(handedOut, 18);
+}
+// Playback of something that holds no MJPEG picture fails at once, each with its reason.
+TEST_F(CameraManagerTest, NoPictureIsNoVideo)
+{
+    ASSERT_EQ(0, Log::GetInstance()->Init(LOG_LEVER_ERROR, LOG_TARGET_FILE, "Log", ".log"));
+    const Bytes picture = EncodeSolid(64, 48, kGreen);
+    WriteFileBytes("empty.mjpeg", {});
+    WriteFileBytes("text.mjpeg", Bytes(5000, 'x'));
+    WriteFileBytes("broken.mjpeg", Bytes(picture.begin(), picture.begin() + long(picture.size() / 3)));
+    ASSERT_EQ(0, mkdir("directory.mjpeg", 0700));
+    const struct {
+        const char* path;
+        const char* why;
+    } rows[] = {{"empty.mjpeg", "no picture decoded"},
+                {"text.mjpeg", "no picture decoded"},
+                {"broken.mjpeg", "Invalid data found when processing input"},
+                {"directory.mjpeg", "Is a directory"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.path);
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(-10, Manager()->StartPlayback(row.path, 30));
+        EXPECT_LT(SecondsSince(start), 2.0) << "a file needs no waiting";
+        const std::string text = LogText();
+        EXPECT_NE(std::string::npos, text.find(std::string("]\ncamera open failed! : ") + row.why + "\n")) << text;
+        char image[16];
+        EXPECT_EQ(-1, Manager()->GetFrame(image, sizeof image, nullptr, 0));
+    }
+}
+
+// A FIFO whose writer never comes: the open gives up after its time limit,
+// and meanwhile other calls on the camera see none instead of waiting.
+TEST_F(CameraManagerTest, OpenWithoutAPictureIsBoundedAndHoldsNoOneUp)
+{
+    ASSERT_EQ(0, Log::GetInstance()->Init(LOG_LEVER_ERROR, LOG_TARGET_FILE, "Log", ".log"));
+    ASSERT_EQ(0, mkfifo("silent.fifo", 0600));
+    const auto start = std::chrono::steady_clock::now();
+    std::future<int> open = std::async(std::launch::async, [&] { return Manager()->StartPlayback("silent.fifo", 30); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    char image[16];
+    int width = 0, height = 0;
+    const auto during = std::chrono::steady_clock::now();
+    EXPECT_EQ(-1, Manager()->GetFrame(image, sizeof image, nullptr, 0));
+    EXPECT_EQ(-1, Manager()->GetResolution(&width, &height));
+    EXPECT_EQ(-1, Manager()->SetResolution(640, 480));
+    EXPECT_LT(SecondsSince(during), 1.0);
+    EXPECT_EQ(std::future_status::timeout, open.wait_for(std::chrono::milliseconds(0))) << "the open is still waiting";
+    EXPECT_EQ(-10, open.get());
+    const double seconds = SecondsSince(start);
+    EXPECT_GE(seconds, 4.9);
+    EXPECT_LT(seconds, 8.0);
+    EXPECT_NE(std::string::npos, LogText().find("[FUNCTION : openPlayback]")) << LogText();
+    EXPECT_NE(std::string::npos, LogText().find("]\ncamera open failed! : no picture within 5 s\n")) << LogText();
+}
+
+// A stop, or another start, ends an open in progress at once with -10.
+TEST_F(CameraManagerTest, StopOrNewStartCancelsAnOpenInProgress)
+{
+    ASSERT_EQ(0, mkfifo("silent.fifo", 0600));
+    WriteFileBytes("clip.mjpeg", EncodeSolid(64, 48, kBlue));
+    for (bool byStop : {true, false}) {
+        SCOPED_TRACE(byStop ? "stop" : "new start");
+        std::future<int> open = std::async(std::launch::async, [&] { return Manager()->StartPlayback("silent.fifo", 30); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(0, byStop ? Manager()->StopCamera() : Manager()->StartPlayback("clip.mjpeg", 30));
+        EXPECT_EQ(std::future_status::ready, open.wait_for(std::chrono::seconds(2)));
+        EXPECT_EQ(-10, open.get());
+        EXPECT_LT(SecondsSince(start), 2.0);
+        std::vector<char> image(64 * 48 * 4);
+        const int expected = byStop ? -1 : 0;
+        EXPECT_EQ(expected, PollFrame([&] { return Manager()->GetFrame(image.data(), int(image.size()), nullptr, 0); }));
+        EXPECT_TRUE(byStop || PixelNear(image, 64, 10, 10, kBlue));
+    }
 }
 }  // namespace

@@ -133,11 +133,12 @@ TEST_F(PlaybackTest, ZeroSizesDiscardTheReadyFlags)
 
 TEST_F(PlaybackTest, ShortSideTextKeepsThePreviousTextButNotReady)
 {
-    const int writer = PlayFifo("short.fifo", Concat({Picture(kRed, kRedText), Picture(kGreen, "{\"n\":2}")}));
+    const int writer = PlayFifo("short.fifo", Picture(kRed, kRedText));
     ASSERT_GE(writer, 0);
-    ASSERT_EQ(0, Next());  // green is open-ended in the FIFO, so red comes alone
+    ASSERT_EQ(0, Next());
     EXPECT_TRUE(Shows(kRed));
-    close(writer);
+    const Bytes green = Picture(kGreen, "{\"n\":2}");
+    ASSERT_EQ(ssize_t(green.size()), write(writer, green.data(), green.size()));
     ASSERT_EQ(0, Next());
     EXPECT_TRUE(Shows(kGreen));
     EXPECT_EQ("#", m_verify);  // 7 bytes: not ready
@@ -145,6 +146,41 @@ TEST_F(PlaybackTest, ShortSideTextKeepsThePreviousTextButNotReady)
     char verify[64];
     EXPECT_EQ(-4, m_camera->getFrame(nullptr, 0, verify, static_cast<int>(kRedText.size()) - 1));
     EXPECT_EQ(0, m_camera->getFrame(nullptr, 0, verify, static_cast<int>(kRedText.size())));
+    close(writer);
+}
+
+// A live writer's picture is handed on once its end is in, without waiting
+// for the next one to begin, and the FIFO is read as fast as it is fed
+// rather than at a recording's rate.
+TEST_F(PlaybackTest, LiveFifoPicturesComeAsTheyArrive)
+{
+    const int writer = PlayFifo("live.fifo", Picture(kRed, kRedText));
+    ASSERT_GE(writer, 0);
+    ASSERT_EQ(0, Next());
+    EXPECT_TRUE(Shows(kRed));
+    EXPECT_EQ(kRedText, m_verify);
+
+    // Paced at the rate of a file, these would take 4 s to come through.
+    const int burst = 4 * kFps;
+    std::vector<Bytes> pictures(burst, Picture(kGreen, kGreenText));
+    pictures.push_back(Picture(kBlue, kBlueText));
+    const Bytes stream = Concat(pictures);
+    const auto start = std::chrono::steady_clock::now();
+    std::thread feed([&] {
+        for (size_t at = 0; at < stream.size();) {
+            ssize_t put = write(writer, stream.data() + at, stream.size() - at);
+            if (put <= 0)
+                return;
+            at += size_t(put);
+        }
+    });
+    const bool blue = WaitFor(kBlue);
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    feed.join();
+    close(writer);
+    ASSERT_TRUE(blue);
+    EXPECT_EQ(kBlueText, m_verify);
+    EXPECT_LT(seconds, 2.0);
 }
 
 TEST_F(PlaybackTest, PacketStartingWithOneIsDropped)
