@@ -45,4 +45,17 @@ run "$AICAM" --port "$pts" --video "$pts" doctor
 grep -qE "^\[FAIL\] in use: $pts is held by ([0-9]+ \([a-z-]+\), )*$$ \(bash\)" <<<"$OUT" ||
   fail "doctor names the program holding the port"
 exec 9<&-
+
+# Locked by another user's program, which nobody cannot see in /proc: the lock tells.
+chmod 666 "$pts"
+flock --exclusive --close "$pts" sleep 30 &
+lock_pid=$!
+for _ in $(seq 100); do
+  flock --nonblock "$pts" true || break
+  sleep 0.05   # until the lock is taken, up to 5 s
+done
+as_nobody --port "$pts" --video "$pts" doctor
+grep -qF "[FAIL] in use: $pts is locked by a program this user cannot see" <<<"$OUT" ||
+  fail "doctor tells of a lock held out of sight"
+kill "$lock_pid"
 finish

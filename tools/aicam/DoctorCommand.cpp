@@ -138,6 +138,8 @@ void CheckHolders(Checks& checks, const std::string& serial, const std::string& 
         std::vector<std::string> holders = NodeHolders(node);
         if (!holders.empty())
             held.push_back(node + " is held by " + JoinWords(holders, ", "));
+        else if (LockedByOther(node))
+            held.push_back(node + " is locked by a program this user cannot see");
     }
     if (held.empty())
         checks.Pass("in use", "no other program holds " + serial + " or " + video);

@@ -6,6 +6,7 @@
 #include <limits.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -18,6 +19,8 @@ const char* const kSerialGroup = "dialout";
 const char* const kVideoGroup = "video";
 
 namespace {
+std::string InUse(const std::string& node) { return node + " is in use by another program"; }
+
 std::string FirstLine(const std::string& path)
 {
     std::ifstream file(path);
@@ -84,7 +87,7 @@ std::string OpenProblem(const std::string& node, const char* group)
         return "permission denied on " + node + ": add yourself to group " + group +
                " (or install the udev rule) and log in again";
     case EBUSY:
-        return node + " is in use by another program";
+        return InUse(node);
     case ENOENT:
     case ENODEV:
     case ENXIO:
@@ -106,14 +109,26 @@ std::vector<std::string> NodeHolders(const std::string& node)
     return holders;
 }
 
+bool LockedByOther(const std::string& node)
+{
+    int fd = open(node.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    const bool locked = flock(fd, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    close(fd);
+    return locked;
+}
+
 std::string ConnectProblem(const std::string& node, const char* group, int result)
 {
     std::string problem = OpenProblem(node, group);
-    if (!problem.empty())
+    if (!problem.empty() && problem != InUse(node))
         return problem;
     std::vector<std::string> holders = NodeHolders(node);
     if (!holders.empty())
-        return node + " is in use by another program: " + JoinWords(holders, ", ");
+        return InUse(node) + ": " + JoinWords(holders, ", ");
+    if (!problem.empty() || LockedByOther(node))
+        return InUse(node);
     return ResultText(result) + ": " + node;
 }
 

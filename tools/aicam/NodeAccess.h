@@ -18,8 +18,12 @@ std::string OpenProblem(const std::string& node, const char* group);
 // only those this user may look into.
 std::vector<std::string> NodeHolders(const std::string& node);
 
+// Whether another program holds the node's lock (the library locks its port,
+// which keeps even root out).
+bool LockedByOther(const std::string& node);
+
 // Why connecting to the node failed with the library's `result`: OpenProblem,
-// else the programs holding it, else the result's own text.
+// else the programs holding it or its lock, else the result's own text.
 std::string ConnectProblem(const std::string& node, const char* group, int result);
 
 // A property that udev recorded for the node ("" when udev has no record).

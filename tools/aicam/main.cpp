@@ -86,7 +86,8 @@ int ParseGlobals(int argc, char** argv, GlobalOptions& options, bool& help)
             options.module = value;
         } else if (option == "--usb-id") {
             if (!ParseUsbId(value, options.usbId)) {
-                Fail("aicam", -4, "--usb-id takes VID:PID, two hexadecimal numbers of four digits, not '" + value + "'");
+                Fail("aicam", -4,
+                     "--usb-id takes VID:PID, two hexadecimal numbers of four digits, not '" + value + "'");
                 return -1;
             }
         } else if (option == "--playback") {
