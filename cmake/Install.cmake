@@ -1,7 +1,7 @@
 # What `cmake --install` puts in place, and the Debian package `cpack -G DEB`
 # makes from it: the shared library with its SONAME links, the two public
 # headers, a pkg-config file, a CMake package (find_package(ai_camera) gives
-# ai_camera::ai_camera), and the programs aicam and aicam-sim.
+# ai_camera::ai_camera), the udev rule, and the programs aicam and aicam-sim.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -14,6 +14,12 @@ install(FILES
   ${PROJECT_SOURCE_DIR}/Interface/ai_camera.h
   ${PROJECT_SOURCE_DIR}/Interface/ai_camera_ext.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+# The udev rule for the module's nodes (group plugdev, /dev/aicam/ links, no
+# ModemManager probing). udev reads /usr/lib/udev/rules.d and /etc/udev/rules.d;
+# under another prefix, copy the file to /etc/udev/rules.d.
+set(AICAM_UDEV_RULES_DIR lib/udev/rules.d CACHE STRING "udev rules directory, relative to the prefix unless absolute")
+install(FILES ${PROJECT_SOURCE_DIR}/udev/70-ai-camera.rules DESTINATION ${AICAM_UDEV_RULES_DIR})
 
 install(EXPORT ai_cameraTargets NAMESPACE ai_camera:: DESTINATION ${AICAM_CMAKE_DIR})
 # The library's dependencies are all private, so the package needs nothing else.

@@ -8,6 +8,7 @@ packages=(
   libgtest-dev libbenchmark-dev
   libavformat-dev libavcodec-dev libavdevice-dev libavutil-dev libswscale-dev
   ffmpeg
+  udev   # udevadm, to check the udev rule
 )
 
 missing=()

@@ -6,6 +6,9 @@ set(AICAM_SOURCES
   OS/OS_Socket.cpp
   OS/OS_SharedMemory.cpp
   OS/OS_DeviceList.cpp
+  OS/OS_Sysfs.cpp
+  OS/OS_VideoCaps.cpp
+  OS/OS_UsbModules.cpp
   AICamera/Log.cpp
   AICamera/Trace.cpp
 )

@@ -1,1 +1,4 @@
-set(AICAM_SOURCES Interface/ai_camera.cpp)
+set(AICAM_SOURCES
+  Interface/ai_camera.cpp
+  Interface/ai_camera_modules.cpp
+)

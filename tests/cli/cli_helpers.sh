@@ -45,6 +45,21 @@ run() {
 }
 run_aicam() { run "$AICAM" --port "$PORT" "$@"; }
 
+# as_nobody [--groups=G,...] ARGS...: runs aicam as user nobody (in no group, or
+# in those given), from a copy of it and its library that nobody can reach.
+as_nobody() {
+  local groups=--clear-groups
+  [[ "${1:-}" != --groups=* ]] || { groups=$1; shift; }
+  if [ ! -x "$SCRATCH/bin/aicam" ]; then
+    chmod 755 "$SCRATCH"
+    mkdir -p "$SCRATCH/bin"
+    cp "$AICAM" "$SCRATCH/bin/aicam"
+    cp -L "$(ldd "$AICAM" | awk '/libai_camera/ {print $3}')" "$SCRATCH/bin/libai_camera.so.4"
+    chmod -R a+rX "$SCRATCH/bin"
+  fi
+  run setpriv --reuid=nobody --regid=nogroup "$groups" env LD_LIBRARY_PATH="$SCRATCH/bin" "$SCRATCH/bin/aicam" "$@"
+}
+
 fail() {
   printf 'FAIL: %s\n  exit status: %s\n' "$*" "${RC:-}" >&2
   head -n 20 <<<"  stdout: ${OUT:-}" >&2

@@ -1,5 +1,7 @@
 // The parts of aicam that need no module: the command line, the result texts
 // and exit statuses, and the slicing of payloads.
+#include <stdio.h>
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -7,6 +9,7 @@
 
 #include "Arguments.h"
 #include "FileData.h"
+#include "ModuleSelection.h"
 #include "ResultText.h"
 
 TEST(CommandLine, OptionsAreTakenWhereverTheyStandInBothForms)
@@ -70,4 +73,56 @@ TEST(Slicing, SlicesCoverThePayloadInOrderAndTheFirstFailureStops)
         return offset == 4096 ? 20 : 0;
     }));
     EXPECT_EQ(2, calls);
+}
+
+namespace {
+AI_CAMERA_MODULE Module(const char* serialNode, const char* videoNode, const char* usbSerial, const char* usbPath)
+{
+    AI_CAMERA_MODULE module = {};
+    snprintf(module.serialNode, sizeof module.serialNode, "%s", serialNode);
+    snprintf(module.videoNode, sizeof module.videoNode, "%s", videoNode);
+    snprintf(module.usbSerial, sizeof module.usbSerial, "%s", usbSerial);
+    snprintf(module.usbPath, sizeof module.usbPath, "%s", usbPath);
+    module.vendorId = 0x1d6b;
+    module.productId = 0x0104;
+    return module;
+}
+}  // namespace
+
+TEST(ModuleSelection, UsbIdsAreFourHexDigitsEach)
+{
+    UsbId id;
+    EXPECT_TRUE(ParseUsbId("1d6b:0104", id));
+    EXPECT_EQ(0x1d6b, id.vendorId);
+    EXPECT_EQ(0x0104, id.productId);
+    EXPECT_TRUE(ParseUsbId("FFFF:0000", id) && id.vendorId == 0xFFFF && id.productId == 0);
+    for (const char* bad : {"", "1d6b", "1d6b:", "1d6b:104", "1d6b-0104", "1d6b:0104:", "0x1d:0104", "1d6g:0104",
+                            " 1d6b:0104"})
+        EXPECT_FALSE(ParseUsbId(bad, id)) << bad;
+    EXPECT_EQ("ffff:0000", UsbIdText(id.vendorId, id.productId));
+}
+
+TEST(ModuleSelection, ASerialNumberWinsOverAnIndex)
+{
+    const std::vector<AI_CAMERA_MODULE> modules = {Module("/dev/ttyACM1", "/dev/video2", "1", "1-1.2"),
+                                                   Module("/dev/ttyACM0", "/dev/video0", "B-002", "1-1.10")};
+    EXPECT_EQ(1, FindModule(modules, "B-002"));
+    EXPECT_EQ(0, FindModule(modules, "1"));  // the serial number "1", not index 1
+    EXPECT_EQ(0, FindModule(modules, "0"));
+    for (const char* none : {"2", "-1", "", "b-002"})
+        EXPECT_EQ(-1, FindModule(modules, none)) << none;
+    EXPECT_EQ(-1, FindModule({}, "0"));
+}
+
+TEST(ModuleSelection, TheTableNumbersOnlyWholeModules)
+{
+    const std::vector<AI_CAMERA_MODULE> modules = {Module("/dev/ttyACM1", "/dev/video2", "A-001", "1-1.2"),
+                                                   Module("/dev/ttyACM3", "", "", "1-4"),
+                                                   Module("/dev/ttyACM0", "/dev/video0", "B-002", "1-1.10")};
+    EXPECT_EQ("#  SERIAL NODE   VIDEO NODE   USB ID     SERIAL NUMBER  USB PATH\n"
+              "0  /dev/ttyACM1  /dev/video2  1d6b:0104  A-001          1-1.2\n"
+              "-  /dev/ttyACM3  -            1d6b:0104  -              1-4\n"
+              "1  /dev/ttyACM0  /dev/video0  1d6b:0104  B-002          1-1.10\n",
+              ModuleTable(modules));
+    EXPECT_EQ("module 1 (1d6b:0104, serial -, USB 1-4)", ModuleName(modules[1], 1));
 }

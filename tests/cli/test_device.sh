@@ -3,7 +3,8 @@ source "$(dirname "$0")/cli_helpers.sh"
 
 for command in "" list info ping reboot reset engineering recovery faces "faces add" "faces add-image" \
                "faces add-feature" "faces delete" "faces list" "faces count" "faces query" "faces feature" \
-               recognize config "config get" "config set" settings "settings get" "settings set" upgrade snapshot; do
+               recognize config "config get" "config set" settings "settings get" "settings set" upgrade snapshot \
+               doctor; do
   run "$AICAM" $command --help
   expect_rc 0 "'$command --help':"
   grep -q "^usage: aicam .*${command}" <<<"$OUT" && [ -z "$ERR" ] || fail "'$command --help' prints its usage alone"
@@ -14,7 +15,8 @@ t 4 "unexpected 'b'" ping a b
 t 4 "--log takes trace, debug" --log loud info
 run "$AICAM" --port "$SCRATCH/no-such-port" ping
 expect_rc 2 "a missing port:"
-expect_one_error_line "the serial port could not be opened: $SCRATCH/no-such-port (-2)"
+expect_one_error_line \
+  "$SCRATCH/no-such-port: no such device — is the module plugged in? \`aicam list\` shows what is attached (-2)"
 
 start_sim --reboot-quiet 0 --library "$SCRATCH/faces.txt"
 t 0 "SIM-FW" info
@@ -26,9 +28,9 @@ serial1=$(sed -n 's/^serial number: *//p' <<<"$OUT")
 t 0 "" info --sn-mode 0
 serial0=$(sed -n 's/^serial number: *//p' <<<"$OUT")
 [ -n "$serial0" ] && [ "$serial0" != "$serial1" ] || fail "info: the two kinds of serial number should differ"
-t 0 "" list
+t 0 "" list --nodes
 grep -qE '^serial: ' <<<"$OUT" && grep -qE '^video: ' <<<"$OUT" && [ "$(grep -cvE '^(serial|video): ' <<<"$OUT")" -eq 0 ] ||
-  fail "list prints serial and video lines only"
+  fail "list --nodes prints serial and video lines only"
 t 0 'the module echoed "hello module"' ping "hello module"
 t 0 "" reboot 3
 t 4 "MODE must be a whole number from 0 to 4" reboot 5

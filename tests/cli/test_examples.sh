@@ -28,7 +28,7 @@ for entry in "usr/lib/libai_camera.so.4.2.0" "usr/lib/libai_camera.so.4 -> libai
              "usr/lib/libai_camera.so -> libai_camera.so.4" "usr/include/ai_camera.h" "usr/include/ai_camera_ext.h" \
              "usr/lib/pkgconfig/ai_camera.pc" "usr/lib/cmake/ai_camera/ai_cameraConfig.cmake" \
              "usr/lib/cmake/ai_camera/ai_cameraConfigVersion.cmake" "usr/lib/cmake/ai_camera/ai_cameraTargets.cmake" \
-             "usr/bin/aicam" "usr/bin/aicam-sim"; do
+             "usr/lib/udev/rules.d/70-ai-camera.rules" "usr/bin/aicam" "usr/bin/aicam-sim"; do
   grep -qF -- "./$entry" <<<"$OUT" || fail "the package lacks $entry"
 done
 run dpkg-deb --field "$deb" Package Version Depends

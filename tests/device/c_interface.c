@@ -13,6 +13,7 @@ void CEnumValues(int values[9]);
 void CHandleResults(void* dev, int results[8]);
 int CEnrolAndCopyImage(void* dev, unsigned char* copy, unsigned int capacity, unsigned int* length);
 void CRegisterReco(void* dev, void (*callback)(char* data, int len));
+int CCountModules(char* version, int versionSize);
 
 void CEnumValues(int values[9])
 {
@@ -54,4 +55,12 @@ void CRegisterReco(void* dev, void (*callback)(char* data, int len))
 {
     AI_CAMERA_REPORT_FUNC function = callback;
     RegisterRecoReportCb(dev, function);
+}
+
+/* The module array as C declares it, and the version text. */
+int CCountModules(char* version, int versionSize)
+{
+    AI_CAMERA_MODULE modules[1];
+    GetSdkVersion(version, versionSize);
+    return EnumModules(modules, 1, 0, 0, AI_CAMERA_MODULES_PARTIAL);
 }

@@ -3,6 +3,7 @@
 #include <string.h>
 
 #include "DeviceTest.h"
+#include "ai_camera_ext.h"
 #include "ReportSink.h"
 
 extern "C" {
@@ -10,6 +11,7 @@ void CEnumValues(int values[9]);
 void CHandleResults(void* dev, int results[8]);
 int CEnrolAndCopyImage(void* dev, unsigned char* copy, unsigned int capacity, unsigned int* length);
 void CRegisterReco(void* dev, void (*callback)(char* data, int len));
+int CCountModules(char* version, int versionSize);
 }
 
 using CInterface = DeviceTest;
@@ -21,6 +23,9 @@ TEST_F(CInterface, ValuesAndRefusalsSeenFromC)
     EXPECT_EQ(std::vector<int>({0, 1, 6, 0, 1, 2, 10, 20, 30}), std::vector<int>(values, values + 9));
     CHandleResults(dev, results);
     EXPECT_EQ(std::vector<int>({-1, -1, -1, -1, -1, -1, -4, -4}), std::vector<int>(results, results + 8));
+    char version[16];
+    EXPECT_EQ(EnumModules(nullptr, 0, 0, 0, AI_CAMERA_MODULES_PARTIAL), CCountModules(version, sizeof version));
+    EXPECT_STREQ("V4.2.0.2", version);
 }
 
 TEST_F(CInterface, AnImageAndAReportReachCCode)

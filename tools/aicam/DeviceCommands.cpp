@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "ModuleChoice.h"
 #include "MonotonicClock.h"
 #include "ResultText.h"
 #include "Session.h"
@@ -29,15 +30,28 @@ void PrintNodes(const char* kind, const std::string& list)
     }
 }
 
-int RunList(Session&, Arguments& args, const std::string& command)
+int RunList(Session& session, Arguments& args, const std::string& command)
 {
+    const bool all = args.Flag("--all");
+    const bool nodes = args.Flag("--nodes");
     if (int result = args.Finish(command))
         return result;
-    DeviceNodes nodes;
-    if (int result = ListDeviceNodes(nodes))
-        return Fail(command, result);
-    PrintNodes("serial", nodes.serial);
-    PrintNodes("video", nodes.video);
+    if (nodes) {
+        DeviceNodes list;
+        if (int result = ListDeviceNodes(list))
+            return Fail(command, result);
+        PrintNodes("serial", list.serial);
+        PrintNodes("video", list.video);
+        return 0;
+    }
+    const UsbId& id = session.Options().usbId;
+    std::vector<AI_CAMERA_MODULE> modules = AttachedModules(id, all ? AI_CAMERA_MODULES_PARTIAL : 0);
+    if (modules.empty()) {
+        const std::string ids = id.vendorId ? " with USB id " + UsbIdText(id.vendorId, id.productId) : "";
+        printf("no module attached%s%s\n", ids.c_str(), all ? "" : " (--all also shows devices with one of the nodes)");
+        return 0;
+    }
+    printf("%s", ModuleTable(modules).c_str());
     return 0;
 }
 
@@ -120,7 +134,14 @@ int EngineeringMode(void* dev, int) { return SetUmodeToEngin(dev); }
 }  // namespace
 
 const std::vector<Verb> kDeviceVerbs = {
-    {"list", "list", "list the serial and video device nodes", "", RunList, nullptr},
+    {"list", "list [--all] [--nodes]", "list the attached modules with their serial and video nodes",
+     "A module is a USB device with both a CDC-ACM serial node and a UVC video\n"
+     "capture node; the list is sorted by USB path (bus and ports), so a socket\n"
+     "keeps its place. # is what --module takes. --usb-id narrows the list.\n"
+     "--all also shows USB devices with only one of the two nodes (a modem, a\n"
+     "webcam, a module missing a function); --nodes prints instead every node\n"
+     "of /dev whose name holds ttyACM or video, as EnumDevice lists them.\n",
+     RunList, nullptr},
     {"info", "info [--sn-mode 0|1]", "show versions, model, serial number, temperature, sensor",
      "Reads the firmware version, the model, the application version, the serial\n"
      "number (of the kind --sn-mode selects, default 0), the processor temperature\n"

@@ -24,6 +24,9 @@ const CodeText kTable[] = {
     {kFileUnreadable, "a file could not be read"},
     {kFileUnwritable, "a file could not be written"},
     {kEncoderFailed, "the PNG encoder failed"},
+    {kNoModule, "no module is attached (none with the ids or serial number asked for)"},
+    {kSeveralModules, "several modules are attached and none was chosen"},
+    {kDoctorFound, "aicam doctor found a problem"},
 };
 }  // namespace
 

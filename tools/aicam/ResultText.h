@@ -10,6 +10,9 @@ enum ToolCode {
     kFileUnreadable = -20,
     kFileUnwritable = -21,
     kEncoderFailed = -22,
+    kNoModule = -23,
+    kSeveralModules = -24,
+    kDoctorFound = -25,
 };
 
 // "the module did not answer within 10 s (15 s when enrolling)" for -6, and so on.

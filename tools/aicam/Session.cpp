@@ -1,8 +1,12 @@
 #include "Session.h"
 
+#include <stdio.h>
+
 #include <vector>
 
 #include "Arguments.h"
+#include "ModuleChoice.h"
+#include "NodeAccess.h"
 #include "ResultText.h"
 #include "ai_camera.h"
 #include "ai_camera_ext.h"
@@ -22,8 +26,6 @@ int ListDeviceNodes(DeviceNodes& nodes)
     return result;
 }
 
-std::string FirstNode(const std::string& list) { return list.substr(0, list.find('|')); }
-
 Session::Session(const GlobalOptions& options) : m_options(options), m_dev(nullptr)
 {
     // The level is checked by main; the log goes to Log/ under the working directory.
@@ -38,23 +40,40 @@ Session::~Session()
         DeInit(m_dev);
 }
 
+int Session::ChooseNodes(const std::string& command)
+{
+    if (m_nodesChosen)
+        return 0;
+    std::vector<AI_CAMERA_MODULE> modules;
+    int index = -1;
+    std::string problem;
+    if (int result = ChooseModule(m_options, modules, index, problem))
+        return Fail(command, result, problem);
+    const AI_CAMERA_MODULE& module = modules[static_cast<size_t>(index)];
+    if (m_options.port.empty())
+        m_options.port = module.serialNode;
+    if (m_options.video.empty())
+        m_options.video = module.videoNode;
+    fprintf(stderr, "aicam: using %s: serial %s, video %s\n", ModuleName(module, index).c_str(),
+            m_options.port.c_str(), m_options.video.c_str());
+    m_nodesChosen = true;
+    return 0;
+}
+
 int Session::ConnectSerial(const std::string& command)
 {
     if (m_serialOpen)
         return 0;
-    std::string port = m_options.port;
-    if (port.empty()) {
-        DeviceNodes nodes;
-        ListDeviceNodes(nodes);
-        port = FirstNode(nodes.serial);
-        if (port.empty())
-            return Fail(command, -4, "no serial port given and none found");
+    if (m_options.port.empty() || !m_options.module.empty()) {
+        if (int result = ChooseNodes(command))
+            return result;
     }
+    const std::string& port = m_options.port;
     if (port.size() > kMaxPortName)
         return Fail(command, -4, "the serial port name is longer than 254 characters");
     int result = ::ConnectSerial(m_dev, port.c_str());
     if (result != 0)
-        return Fail(command, result, ResultText(result) + ": " + port);
+        return Fail(command, result, ConnectProblem(port, kSerialGroup, result));
     m_serialOpen = true;
     return 0;
 }
@@ -68,15 +87,14 @@ int Session::ConnectVideo(const std::string& command)
     if (!source.empty()) {
         result = ConnectCameraPlayback(m_dev, source.c_str());
     } else {
-        source = m_options.video;
-        if (source.empty()) {
-            DeviceNodes nodes;
-            ListDeviceNodes(nodes);
-            source = FirstNode(nodes.video);
-            if (source.empty())
-                return Fail(command, -4, "no video node or playback stream given and none found");
+        if (m_options.video.empty() || !m_options.module.empty()) {
+            if (int chosen = ChooseNodes(command))
+                return chosen;
         }
+        source = m_options.video;
         result = ConnectCamera(m_dev, source.c_str());
+        if (result != 0)
+            return Fail(command, result, ConnectProblem(source, kVideoGroup, result));
     }
     if (result != 0)
         return Fail(command, result, ResultText(result) + ": " + source);

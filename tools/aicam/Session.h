@@ -5,12 +5,16 @@
 
 #include <string>
 
+#include "ModuleSelection.h"
+
 class Arguments;
 
 struct GlobalOptions {
-    std::string port;       // serial node; empty: the first one EnumDevice lists
-    std::string video;      // video node; empty: the first one EnumDevice lists
+    std::string port;       // serial node; empty: the chosen module's
+    std::string video;      // video node; empty: the chosen module's
     std::string playback;   // recorded MJPEG stream (file or FIFO) instead of a video node
+    std::string module;     // --module N|SERIAL
+    UsbId usbId;            // --usb-id VID:PID narrows the modules
     int logLevel = -1;      // -1: the library's trace log stays off
 };
 
@@ -29,10 +33,14 @@ public:
     int ConnectVideo(const std::string& command);
 
 private:
+    // Fills the nodes not given from the chosen module, saying which it uses.
+    int ChooseNodes(const std::string& command);
+
     GlobalOptions m_options;
     void* m_dev;
     bool m_serialOpen = false;
     bool m_videoOpen = false;
+    bool m_nodesChosen = false;
 };
 
 // The device nodes as EnumDevice lists them: full paths joined by '|'.
@@ -40,7 +48,6 @@ struct DeviceNodes {
     std::string video, serial;
 };
 int ListDeviceNodes(DeviceNodes& nodes);
-std::string FirstNode(const std::string& list);
 
 // After the arguments are parsed: refuses leftovers, then opens the serial link.
 int ReadySerial(Session& session, Arguments& args, const std::string& command);

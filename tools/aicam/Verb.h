@@ -36,5 +36,6 @@ extern const std::vector<Verb> kSettingsVerbs;   // settings ...
 extern const Verb kRecognizeVerb;
 extern const Verb kUpgradeVerb;
 extern const Verb kSnapshotVerb;
+extern const Verb kDoctorVerb;
 
 #endif

@@ -23,6 +23,7 @@ std::vector<Verb> TopLevelVerbs()
                      &kSettingsVerbs});
     verbs.push_back(kUpgradeVerb);
     verbs.push_back(kSnapshotVerb);
+    verbs.push_back(kDoctorVerb);
     return verbs;
 }
 
@@ -32,8 +33,13 @@ void PrintHelp(const std::vector<Verb>& verbs)
         "usage: aicam [GLOBAL OPTIONS] COMMAND [ARGUMENTS]\n\n"
         "Drives an AI camera module through libai_camera. Every command takes --help.\n\n"
         "Global options:\n"
-        "  --port PATH      serial node of the module (default: the first one found)\n"
-        "  --video PATH     video node of the module (default: the first one found)\n"
+        "  --port PATH      serial node of the module (default: the chosen module's)\n"
+        "  --video PATH     video node of the module (default: the chosen module's)\n"
+        "  --module N|SERIAL  the module of 'aicam list' with that # or USB serial\n"
+        "                   number (default: the only one attached; at a terminal,\n"
+        "                   aicam asks which of several)\n"
+        "  --usb-id VID:PID only modules with these USB ids (hexadecimal, as lsusb\n"
+        "                   shows them)\n"
         "  --playback FILE  play a recorded MJPEG stream (file or FIFO) as the video\n"
         "  --log LEVEL      write the library's trace log at LEVEL (trace, debug, info,\n"
         "                   warn, error, fatal or 0..6) to Log/YYYYMMDD.log here\n"
@@ -76,6 +82,14 @@ int ParseGlobals(int argc, char** argv, GlobalOptions& options, bool& help)
             options.port = value;
         } else if (option == "--video") {
             options.video = value;
+        } else if (option == "--module") {
+            options.module = value;
+        } else if (option == "--usb-id") {
+            if (!ParseUsbId(value, options.usbId)) {
+                Fail("aicam", -4,
+                     "--usb-id takes VID:PID, two hexadecimal numbers of four digits, not '" + value + "'");
+                return -1;
+            }
         } else if (option == "--playback") {
             options.playback = value;
         } else if (option == "--log") {
