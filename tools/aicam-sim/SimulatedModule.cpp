@@ -19,10 +19,7 @@ std::optional<sim::Bytes> SimulatedModule::Gate(const sim::Request& request) {
     if (m_options.verbose)
         std::fprintf(stderr, "aicam-sim: request %lld: tag 0x%04X, %zu value bytes\n", n, request.tag,
                      request.value.size());
-    if (m_options.unplugAfter > 0 && n >= m_options.unplugAfter) {
-        m_unplugDue = true;
-        if (n > m_options.unplugAfter) return std::nullopt;
-    }
+    if (m_options.unplugAfter > 0 && n >= m_options.unplugAfter) m_unplugDue = true;
     return m_model.Handle(request);
 }
 
@@ -87,6 +84,7 @@ bool SimulatedModule::Start(std::string& error) {
     m_simulator.SetAnswerDelay(m_options.answerDelayMs);
     m_simulator.DropNextAnswers(m_options.dropAnswers);
     m_simulator.CorruptNextChecksums(m_options.corruptChecksums);
+    if (m_options.unplugAfter > 0) m_simulator.UnplugAfterRequests(long(m_options.unplugAfter));
     if (!m_options.garbage.empty()) m_simulator.SetGarbageBeforeNext(m_options.garbage);
     if (!OpenSerial(error)) return false;
     if (!m_options.linkPath.empty() && !MakeLink(error)) return false;
@@ -109,9 +107,9 @@ bool SimulatedModule::Start(std::string& error) {
 
 void SimulatedModule::Poll() {
     if (!m_options.ttyPath.empty() && !m_unplugged) ServeDeviceAgain();
-    if (!m_unplugDue || m_unplugged) return;
+    // The simulator hangs up itself once the last answer is out.
+    if (!m_unplugDue || m_unplugged || m_simulator.IsRunning()) return;
     m_unplugged = true;
-    m_simulator.Unplug();
     std::fprintf(stderr, "aicam-sim: unplugged after %lld requests\n", m_options.unplugAfter);
 }
 

@@ -214,6 +214,12 @@ void ModuleSimulator::SetReadPacing(int bytesPerMs)
     m_state->readBytesPerMs = bytesPerMs;
 }
 
+void ModuleSimulator::UnplugAfterRequests(long n)
+{
+    std::lock_guard<std::mutex> guard(m_state->lock);
+    m_state->requestsBeforeUnplug = n;
+}
+
 void ModuleSimulator::SetPacing(int bytesPerMs)
 {
     std::lock_guard<std::mutex> guard(m_state->lock);

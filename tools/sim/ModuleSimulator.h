@@ -89,6 +89,9 @@ public:
     // The next request with this tag is not answered: the module hangs up
     // instead, in the middle of the host's request.
     void UnplugOnRequest(uint16_t tag);
+    // Once the n-th request from now has been answered and its answer written,
+    // the module hangs up.
+    void UnplugAfterRequests(long n);
 
     static Bytes EncodeFrame(uint8_t marker, const Bytes& payload);  // the simulator's own framing
     static Bytes EncodeTLV(uint16_t tag, const Bytes& value);

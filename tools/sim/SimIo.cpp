@@ -45,7 +45,7 @@ void ModuleSimulator::State::ReadLoop()
         if (readRate > 0)  // a slow line: the next bytes are taken only after these went by
             std::this_thread::sleep_for(std::chrono::microseconds(got * 1000 / readRate));
         for (const Request& request : found) {
-            if (!HandleRequest(request)) {
+            if (!HandleRequest(request) || LastRequestBeforeUnplug()) {
                 HangUp();
                 return;
             }
@@ -66,6 +66,16 @@ void ModuleSimulator::State::HangUp()
     close(master);
     close(slave);
     master = slave = -1;
+}
+
+bool ModuleSimulator::State::LastRequestBeforeUnplug()
+{
+    std::unique_lock<std::mutex> guard(lock);
+    if (requestsBeforeUnplug == 0 || --requestsBeforeUnplug > 0)
+        return false;
+    // Its answer, queued by now, goes out before the line does.
+    changed.wait_for(guard, std::chrono::seconds(5), [this] { return (output.empty() && !writing) || !running; });
+    return true;
 }
 
 bool ModuleSimulator::State::Chance(int ppm)
@@ -153,9 +163,11 @@ void ModuleSimulator::State::WriteLoop()
         }
         OutItem item = std::move(output.front());
         output.pop_front();
+        writing = true;
         guard.unlock();
         bool written = WriteItem(item);
         guard.lock();
+        writing = false;
         changed.notify_all();
         if (!written)
             return;

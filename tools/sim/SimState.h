@@ -62,9 +62,11 @@ struct ModuleSimulator::State {
     int dropAnswers = 0;
     int bytesPerMs = 0;
     int readBytesPerMs = 0;
+    bool writing = false;  // an item taken from `output` is being written
     FaultRates rates;
     std::mt19937 random;
     int unplugTag = -1;
+    long requestsBeforeUnplug = 0;  // 0: no unplug planned
 
     void ReadLoop();
     void WriteLoop();
@@ -72,6 +74,9 @@ struct ModuleSimulator::State {
     bool HandleRequest(const Request& request);
     // Drawn under the lock: true in ppm parts per million of the calls.
     bool Chance(int ppm);
+    // Counts a handled request toward a planned unplug; true (once the answers
+    // are out) for the last one.
+    bool LastRequestBeforeUnplug();
     // The reader's own hang-up: ends the writer and closes both sides.
     void HangUp();
     // Queues a frame (fault modes apply) or raw bytes, due after delayMs.
