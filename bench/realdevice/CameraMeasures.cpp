@@ -2,7 +2,6 @@
 // v4l2 open to its first packet, the capture thread's CPU per frame next to
 // the ffmpeg tool's on the same stream, and a picture's way from the feeder to
 // GetFrame next to the same pictures played from a FIFO without USB.
-#include <dirent.h>
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -76,12 +75,8 @@ double FfmpegFirstPacketMs(const std::string& node)
 std::set<int> Threads()
 {
     std::set<int> tids;
-    if (DIR* dir = opendir("/proc/self/task")) {
-        while (struct dirent* entry = readdir(dir))
-            if (entry->d_name[0] != '.')
-                tids.insert(atoi(entry->d_name));
-        closedir(dir);
-    }
+    for (const std::string& name : rig::Entries("/proc/self/task"))
+        tids.insert(atoi(name.c_str()));
     return tids;
 }
 
@@ -116,15 +111,16 @@ std::set<int> NewThreads(const std::set<int>& before)
     return added;
 }
 
-struct CaptureRun {
+// CPU spent and frames decoded in one run of a decoder.
+struct CpuRun {
     double cpuSeconds = 0;
     long frames = 0;
 };
 
 // The library's capture thread for `seconds`, every picture taken as it comes.
-CaptureRun RunCapture(const std::string& node, int seconds)
+CpuRun RunCapture(const std::string& node, int seconds)
 {
-    CaptureRun run;
+    CpuRun run;
     std::vector<char> image = ImageBuffer();
     void* dev = Init();
     const std::set<int> before = Threads();
@@ -146,15 +142,10 @@ CaptureRun RunCapture(const std::string& node, int seconds)
     return run;
 }
 
-struct ToolRun {
-    double cpuSeconds = 0;
-    long frames = 0;
-};
-
 // The ffmpeg tool decoding the node to BGRA for `seconds`, with the library's size and rate.
-ToolRun RunFfmpeg(const std::string& node, int seconds)
+CpuRun RunFfmpeg(const std::string& node, int seconds)
 {
-    ToolRun run;
+    CpuRun run;
     int output[2];
     if (pipe(output) != 0)
         return run;
@@ -233,12 +224,8 @@ void MeasureConnectCamera(int opens)
             ffmpeg.push_back(first);
     }
     DeInit(dev);
-    printf("ConnectCamera (open, probe to the first decoded picture, thread start): %s\n",
-           Summary(library, "ms").c_str());
-    printf("FFmpeg's v4l2 open to its first packet, same options:               %s\n",
-           Summary(ffmpeg, "ms").c_str());
-    if (!library.empty() && !ffmpeg.empty())
-        printf("  ConnectCamera / FFmpeg open (medians): %.2f\n", Median(library) / Median(ffmpeg));
+    PrintBeside("ConnectCamera (open, probe to the first decoded picture, thread start)", library,
+                "FFmpeg's v4l2 open to its first packet, same options", ffmpeg, "ms");
 }
 
 void MeasureCaptureCpu(int seconds, int rounds)
@@ -250,9 +237,9 @@ void MeasureCaptureCpu(int seconds, int rounds)
     // Alternating rounds, so that both see the same load of the emulated machine.
     std::vector<double> library, tool, ratios;
     for (int round = 0; round < rounds; ++round) {
-        const CaptureRun capture = RunCapture(node, seconds);
-        const ToolRun shortRun = RunFfmpeg(node, kFfmpegWarmUpSeconds);
-        const ToolRun longRun = RunFfmpeg(node, kFfmpegWarmUpSeconds + seconds);
+        const CpuRun capture = RunCapture(node, seconds);
+        const CpuRun shortRun = RunFfmpeg(node, kFfmpegWarmUpSeconds);
+        const CpuRun longRun = RunFfmpeg(node, kFfmpegWarmUpSeconds + seconds);
         const long toolFrames = longRun.frames - shortRun.frames;
         const double toolCpu = longRun.cpuSeconds - shortRun.cpuSeconds;
         if (capture.frames <= 0 || toolFrames <= 0) {
@@ -327,10 +314,6 @@ void MeasureFrameLatency(int pictures)
         unlink(local);
     }
     DeInit(dev);
-    printf("picture from the feeder to GetFrame, through the gadget, USB and uvcvideo: %s\n",
-           Summary(usb, "ms").c_str());
-    printf("the same pictures played from a FIFO (ConnectCameraPlayback, no USB):     %s\n",
-           Summary(fifo, "ms").c_str());
-    if (!usb.empty() && !fifo.empty())
-        printf("  through USB / from the FIFO (medians): %.2f\n", Median(usb) / Median(fifo));
+    PrintBeside("picture from the feeder to GetFrame, through the gadget, USB and uvcvideo", usb,
+                "the same pictures played from a FIFO (ConnectCameraPlayback, no USB)", fifo, "ms");
 }
