@@ -13,6 +13,9 @@
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+# The machine takes this environment, and its console is a terminal: without
+# this, CTest would colour its summary there.
+export TERM=dumb
 rig=${AICAM_TEST_RIG:-$root/../shared/vm/run-in-vm.sh}
 if [ ! -x "$rig" ]; then
   echo "test-real-device: no test rig at $rig (set AICAM_TEST_RIG)" >&2

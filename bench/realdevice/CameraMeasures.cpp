@@ -2,7 +2,6 @@
 // v4l2 open to its first packet, the capture thread's CPU per frame next to
 // the ffmpeg tool's on the same stream, and a picture's way from the feeder to
 // GetFrame next to the same pictures played from a FIFO without USB.
-#include <dirent.h>
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -76,12 +75,8 @@ double FfmpegFirstPacketMs(const std::string& node)
 std::set<int> Threads()
 {
     std::set<int> tids;
-    if (DIR* dir = opendir("/proc/self/task")) {
-        while (struct dirent* entry = readdir(dir))
-            if (entry->d_name[0] != '.')
-                tids.insert(atoi(entry->d_name));
-        closedir(dir);
-    }
+    for (const std::string& name : rig::Entries("/proc/self/task"))
+        tids.insert(atoi(name.c_str()));
     return tids;
 }
 
@@ -107,15 +102,50 @@ double ThreadsCpu(const std::set<int>& tids)
     return ticks / static_cast<double>(sysconf(_SC_CLK_TCK));
 }
 
-struct ToolRun {
+std::set<int> NewThreads(const std::set<int>& before)
+{
+    std::set<int> added;
+    for (int tid : Threads())
+        if (!before.count(tid))
+            added.insert(tid);
+    return added;
+}
+
+// CPU spent and frames decoded in one run of a decoder.
+struct CpuRun {
     double cpuSeconds = 0;
     long frames = 0;
 };
 
-// The ffmpeg tool decoding the node to BGRA for `seconds`, with the library's size and rate.
-ToolRun RunFfmpeg(const std::string& node, int seconds)
+// The library's capture thread for `seconds`, every picture taken as it comes.
+CpuRun RunCapture(const std::string& node, int seconds)
 {
-    ToolRun run;
+    CpuRun run;
+    std::vector<char> image = ImageBuffer();
+    void* dev = Init();
+    const std::set<int> before = Threads();
+    if (ConnectCamera(dev, node.c_str()) == 0) {
+        const std::set<int> capture = NewThreads(before);
+        const double cpuStart = ThreadsCpu(capture);
+        const double end = SecondsNow() + seconds;
+        while (SecondsNow() < end) {
+            char text[1024];
+            if (GetFrame(dev, image.data(), static_cast<int>(image.size()), text, sizeof text) == 0)
+                ++run.frames;
+            else
+                usleep(1000);
+        }
+        run.cpuSeconds = ThreadsCpu(capture) - cpuStart;
+    }
+    DisconnectCamera(dev);
+    DeInit(dev);
+    return run;
+}
+
+// The ffmpeg tool decoding the node to BGRA for `seconds`, with the library's size and rate.
+CpuRun RunFfmpeg(const std::string& node, int seconds)
+{
+    CpuRun run;
     int output[2];
     if (pipe(output) != 0)
         return run;
@@ -194,66 +224,68 @@ void MeasureConnectCamera(int opens)
             ffmpeg.push_back(first);
     }
     DeInit(dev);
-    printf("ConnectCamera (open, probe to the first decoded picture, thread start): %s\n",
-           Summary(library, "ms").c_str());
-    printf("FFmpeg's v4l2 open to its first packet, same options:               %s\n",
-           Summary(ffmpeg, "ms").c_str());
-    if (!library.empty() && !ffmpeg.empty())
-        printf("  ConnectCamera / FFmpeg open (medians): %.2f\n", Median(library) / Median(ffmpeg));
+    PrintBeside("ConnectCamera (open, probe to the first decoded picture, thread start)", library,
+                "FFmpeg's v4l2 open to its first packet, same options", ffmpeg, "ms");
 }
 
-void MeasureCaptureCpu(int seconds)
+void MeasureCaptureCpu(int seconds, int rounds)
 {
     const std::string node = rig::CaptureNode();
-    std::vector<char> image = ImageBuffer();
+    printf("stream: %s MJPEG from %s through uvcvideo; ffmpeg -f v4l2 -input_format mjpeg -video_size %s "
+           "-framerate 30 -i %s -pix_fmt bgra -f null - (its %d s run's start-up taken off)\n",
+           SizeText().c_str(), node.c_str(), SizeText().c_str(), node.c_str(), kFfmpegWarmUpSeconds);
+    // Alternating rounds, so that both see the same load of the emulated machine.
+    std::vector<double> library, tool, ratios;
+    for (int round = 0; round < rounds; ++round) {
+        const CpuRun capture = RunCapture(node, seconds);
+        const CpuRun shortRun = RunFfmpeg(node, kFfmpegWarmUpSeconds);
+        const CpuRun longRun = RunFfmpeg(node, kFfmpegWarmUpSeconds + seconds);
+        const long toolFrames = longRun.frames - shortRun.frames;
+        const double toolCpu = longRun.cpuSeconds - shortRun.cpuSeconds;
+        if (capture.frames <= 0 || toolFrames <= 0) {
+            printf("  round %d: no frames (capture %ld, ffmpeg %ld)\n", round + 1, capture.frames, toolFrames);
+            continue;
+        }
+        library.push_back(capture.cpuSeconds * 1000 / capture.frames);
+        tool.push_back(toolCpu * 1000 / toolFrames);
+        ratios.push_back(library.back() / tool.back());
+        printf("  round %d: capture thread %.2f ms CPU per frame (%ld frames), ffmpeg %.2f ms (%ld frames)\n",
+               round + 1, library.back(), capture.frames, tool.back(), toolFrames);
+    }
+    printf("capture thread, CPU per frame: %s\n", Summary(library, "ms").c_str());
+    printf("ffmpeg tool, CPU per frame:    %s\n", Summary(tool, "ms").c_str());
+    printf("  capture thread / ffmpeg, per round: %s\n", Summary(ratios, "").c_str());
+}
+
+void MeasureIdleCapture(int seconds)
+{
     void* dev = Init();
     const std::set<int> before = Threads();
-    if (ConnectCamera(dev, node.c_str()) != 0) {
-        printf("capture CPU: the camera did not open\n");
+    if (ConnectCamera(dev, rig::CaptureNode().c_str()) != 0) {
+        printf("idle capture: the camera did not open\n");
         DeInit(dev);
         return;
     }
-    std::set<int> capture;
-    for (int tid : Threads())
-        if (!before.count(tid))
-            capture.insert(tid);
-    const double cpuStart = ThreadsCpu(capture);
-    const double end = SecondsNow() + seconds;
-    long frames = 0;
-    while (SecondsNow() < end) {
-        char text[1024];
-        if (GetFrame(dev, image.data(), static_cast<int>(image.size()), text, sizeof text) == 0)
-            ++frames;
-        else
-            usleep(1000);
-    }
-    const double libraryCpu = ThreadsCpu(capture) - cpuStart;
-    // What waiting costs: the same thread while the camera sends nothing.
-    const int idleSeconds = 5;
+    const std::set<int> capture = NewThreads(before);
     rig::SetCameraSilent(true);
-    std::this_thread::sleep_for(std::chrono::seconds(1));
-    const double idleStart = ThreadsCpu(capture);
-    std::this_thread::sleep_for(std::chrono::seconds(idleSeconds));
-    const double idleCpu = ThreadsCpu(capture) - idleStart;
+    // The pictures the driver still holds are decoded first.
+    std::vector<char> image = ImageBuffer();
+    char text[1024];
+    const double drainStart = SecondsNow();
+    double lastPicture = drainStart;
+    while (SecondsNow() - lastPicture < 2 && SecondsNow() - drainStart < 60) {
+        if (GetFrame(dev, image.data(), static_cast<int>(image.size()), text, sizeof text) == 0)
+            lastPicture = SecondsNow();
+        usleep(1000);
+    }
+    const double start = ThreadsCpu(capture);
+    std::this_thread::sleep_for(std::chrono::seconds(seconds));
+    const double cpu = ThreadsCpu(capture) - start;
     rig::SetCameraSilent(false);
     DisconnectCamera(dev);
     DeInit(dev);
-
-    const ToolRun shortRun = RunFfmpeg(node, kFfmpegWarmUpSeconds);
-    const ToolRun longRun = RunFfmpeg(node, kFfmpegWarmUpSeconds + seconds);
-    const long toolFrames = longRun.frames - shortRun.frames;
-    const double toolCpu = longRun.cpuSeconds - shortRun.cpuSeconds;
-    printf("stream: %s MJPEG from %s through uvcvideo\n", SizeText().c_str(), node.c_str());
-    if (frames > 0)
-        printf("capture thread (%zu thread(s)): %.2f ms CPU per frame (%ld frames, %.2f s CPU in %d s)\n",
-               capture.size(), libraryCpu * 1000 / frames, frames, libraryCpu, seconds);
-    printf("capture thread while the camera sends nothing: %.3f s CPU in %d s\n", idleCpu, idleSeconds);
-    if (toolFrames > 0)
-        printf("ffmpeg -f v4l2 -input_format mjpeg -i %s -pix_fmt bgra -f null - : %.2f ms CPU per frame "
-               "(%ld frames, %.2f s CPU; the %d s run's start-up taken off)\n",
-               node.c_str(), toolCpu * 1000 / toolFrames, toolFrames, toolCpu, kFfmpegWarmUpSeconds);
-    if (frames > 0 && toolFrames > 0)
-        printf("  capture thread / ffmpeg, CPU per frame: %.2f\n", (libraryCpu / frames) / (toolCpu / toolFrames));
+    printf("capture thread while the camera sends nothing: %.3f s CPU in %d s (%.1f %% of a CPU)\n", cpu, seconds,
+           cpu * 100 / seconds);
 }
 
 void MeasureFrameLatency(int pictures)
@@ -282,10 +314,6 @@ void MeasureFrameLatency(int pictures)
         unlink(local);
     }
     DeInit(dev);
-    printf("picture from the feeder to GetFrame, through the gadget, USB and uvcvideo: %s\n",
-           Summary(usb, "ms").c_str());
-    printf("the same pictures played from a FIFO (ConnectCameraPlayback, no USB):     %s\n",
-           Summary(fifo, "ms").c_str());
-    if (!usb.empty() && !fifo.empty())
-        printf("  through USB / from the FIFO (medians): %.2f\n", Median(usb) / Median(fifo));
+    PrintBeside("picture from the feeder to GetFrame, through the gadget, USB and uvcvideo", usb,
+                "the same pictures played from a FIFO (ConnectCameraPlayback, no USB)", fifo, "ms");
 }

@@ -100,8 +100,6 @@ void MeasureSerialRoundTrip(int pings)
 {
     const std::vector<double> library = LibraryPings(pings);
     const std::vector<double> raw = RawEchoes(pings);
-    printf("Ping over cdc_acm:                         %s\n", Summary(library, "ms").c_str());
-    printf("raw echo of its %zu bytes, same two ttys:  %s\n", kFrameBytes, Summary(raw, "ms").c_str());
-    if (!library.empty() && !raw.empty())
-        printf("  Ping / raw echo (medians): %.2f\n", Median(library) / Median(raw));
+    const std::string echo = "raw echo of its " + std::to_string(kFrameBytes) + " bytes through the same two ttys";
+    PrintBeside("Ping over cdc_acm", library, echo.c_str(), raw, "ms");
 }

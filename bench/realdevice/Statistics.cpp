@@ -32,3 +32,12 @@ std::string Summary(std::vector<double> samples, const char* unit)
 }
 
 double SecondsNow() { return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
+
+void PrintBeside(const char* what, const std::vector<double>& samples, const char* baselineWhat,
+                 const std::vector<double>& baseline, const char* unit)
+{
+    printf("%s: %s\n", what, Summary(samples, unit).c_str());
+    printf("%s: %s\n", baselineWhat, Summary(baseline, unit).c_str());
+    if (!samples.empty() && !baseline.empty())
+        printf("  ratio of the medians: %.2f\n", Median(samples) / Median(baseline));
+}

@@ -18,18 +18,6 @@ namespace rig {
 namespace {
 const int kPlugTimeoutMs = 30000;
 
-std::vector<std::string> Entries(const std::string& directory)
-{
-    std::vector<std::string> names;
-    if (DIR* dir = opendir(directory.c_str())) {
-        while (struct dirent* entry = readdir(dir))
-            if (entry->d_name[0] != '.')
-                names.push_back(entry->d_name);
-        closedir(dir);
-    }
-    return names;
-}
-
 std::string FirstLine(const std::string& path)
 {
     std::string line;
@@ -76,6 +64,18 @@ bool WaitUntil(bool (*done)())
 }  // namespace
 
 bool Inside() { return getenv("IN_TEST_VM") != nullptr; }
+
+std::vector<std::string> Entries(const std::string& directory)
+{
+    std::vector<std::string> names;
+    if (DIR* dir = opendir(directory.c_str())) {
+        while (struct dirent* entry = readdir(dir))
+            if (entry->d_name[0] != '.')
+                names.push_back(entry->d_name);
+        closedir(dir);
+    }
+    return names;
+}
 
 std::string Var(const char* name)
 {

@@ -5,6 +5,7 @@
 #define TESTS_REALDEVICE_RIG_H
 
 #include <string>
+#include <vector>
 
 namespace rig {
 
@@ -26,6 +27,9 @@ bool SetPlugged(bool plugged);
 
 // While silent, the camera keeps its stream on but sends no picture.
 void SetCameraSilent(bool silent);
+
+// The names in a directory, but . and .., in no order.
+std::vector<std::string> Entries(const std::string& directory);
 
 // The sizes the camera advertises, as "WxH" in the gadget's order.
 std::string AdvertisedSizes();

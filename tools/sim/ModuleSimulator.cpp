@@ -15,6 +15,16 @@ void CloseFd(int* fd)
         close(*fd);
     *fd = -1;
 }
+
+// No echo, no line editing, no translation: every byte as it is.
+bool MakeRaw(int fd)
+{
+    struct termios raw;
+    if (tcgetattr(fd, &raw) != 0)
+        return false;
+    cfmakeraw(&raw);
+    return tcsetattr(fd, TCSANOW, &raw) == 0;
+}
 }  // namespace
 
 ModuleSimulator::ModuleSimulator() : m_state(new State) {}
@@ -38,12 +48,7 @@ bool ModuleSimulator::Start()
         s.slave = open(name, O_RDWR | O_NOCTTY);
         ok = s.slave >= 0;
     }
-    struct termios raw;
-    ok = ok && tcgetattr(s.slave, &raw) == 0;
-    if (ok) {
-        cfmakeraw(&raw);
-        ok = tcsetattr(s.slave, TCSANOW, &raw) == 0;
-    }
+    ok = ok && MakeRaw(s.slave);
     if (!ok) {
         s.Shutdown();
         return false;
@@ -57,13 +62,7 @@ bool ModuleSimulator::StartOnDevice(const std::string& path)
     if (s.running)
         return true;
     s.master = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
-    struct termios raw;
-    bool ok = s.master >= 0 && tcgetattr(s.master, &raw) == 0;
-    if (ok) {
-        cfmakeraw(&raw);
-        ok = tcsetattr(s.master, TCSANOW, &raw) == 0;
-    }
-    if (!ok) {
+    if (s.master < 0 || !MakeRaw(s.master)) {
         s.Shutdown();
         return false;
     }
