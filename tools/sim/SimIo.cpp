@@ -1,6 +1,7 @@
 // The simulator's reader and writer threads.
 #include <errno.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -73,8 +74,16 @@ bool ModuleSimulator::State::LastRequestBeforeUnplug()
     std::unique_lock<std::mutex> guard(lock);
     if (requestsBeforeUnplug == 0 || --requestsBeforeUnplug > 0)
         return false;
-    // Its answer, queued by now, goes out before the line does.
+    // Its answer, queued by now, goes out before the line does, and is read by
+    // the host: a hang-up throws away what the host has not read yet.
     changed.wait_for(guard, std::chrono::seconds(5), [this] { return (output.empty() && !writing) || !running; });
+    guard.unlock();
+    int unread = 0;
+    for (int waited = 0; slave >= 0 && waited < 2000; waited += 5) {
+        if (ioctl(slave, FIONREAD, &unread) != 0 || unread == 0)
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
     return true;
 }
 
