@@ -40,12 +40,6 @@ CommandManager* CommandManager::GetInstance()
     return &instance;
 }
 
-CommandExecutor* CommandManager::GetExecutor()
-{
-    std::lock_guard<std::mutex> guard(m_linkLock);
-    return m_pExecutor;
-}
-
 Transceiver* CommandManager::GetTransceiver()
 {
     std::lock_guard<std::mutex> guard(m_linkLock);

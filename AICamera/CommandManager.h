@@ -37,9 +37,8 @@ public:
     int Register(AsyncCommand* cmd);
     AsyncCommand* GetCommand(unsigned short tag);
 
-    // The running link's parts, null when stopped; for programs that drive
+    // The running link's transceiver, null when stopped; for programs that drive
     // the receive path by hand.
-    CommandExecutor* GetExecutor();
     Transceiver* GetTransceiver();
 
     CommandManager();

@@ -178,8 +178,6 @@ OS_Serial::~OS_Serial()
 
 bool OS_Serial::EndedListenerRunning() const { return m_pEnded && !m_pEnded->bThreadDone; }
 
-bool OS_Serial::IsOpen() const { return m_pSerial != nullptr; }
-
 bool OS_Serial::IsListenerThreadOf(const OS_Serial_Listener* listener)
 {
     return listener && t_pServedListener == listener;

@@ -34,7 +34,6 @@ public:
     // descriptors close at once, the thread ends when process() returns, and
     // the next Close or Open after that, or the destructor, joins it.
     int Close();
-    bool IsOpen() const;
     // True while the thread of a port closed from inside its process() is still
     // unwinding (a report callback that closed the port has not returned yet).
     bool EndedListenerRunning() const;
