@@ -78,11 +78,17 @@ bool ModuleSimulator::State::LastRequestBeforeUnplug()
     // the host: a hang-up throws away what the host has not read yet.
     changed.wait_for(guard, std::chrono::seconds(5), [this] { return (output.empty() && !writing) || !running; });
     guard.unlock();
-    int unread = 0;
-    for (int waited = 0; slave >= 0 && waited < 2000; waited += 5) {
-        if (ioctl(slave, FIONREAD, &unread) != 0 || unread == 0)
+    // Written bytes reach the host's side of a pseudo-terminal through a kernel
+    // work item, so an empty input queue right after the write may only mean
+    // they are still on their way: the queue must stay empty for a while.
+    const int kStepMs = 5, kSettledMs = 150, kGiveUpMs = 3000;
+    int emptyFor = 0;
+    for (int waited = 0; slave >= 0 && waited < kGiveUpMs && emptyFor < kSettledMs; waited += kStepMs) {
+        int unread = 0;
+        if (ioctl(slave, FIONREAD, &unread) != 0)
             break;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        emptyFor = unread == 0 ? emptyFor + kStepMs : 0;
+        std::this_thread::sleep_for(std::chrono::milliseconds(kStepMs));
     }
     return true;
 }
