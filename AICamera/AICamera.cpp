@@ -23,12 +23,7 @@ const int kPlaybackFramesPerSecond = 25;
 }  // namespace
 
 AICamera::AICamera()
-    : m_pRecoReportFunc(nullptr),
-      m_pTrackReportFunc(nullptr),
-      m_pImageReportFunc(nullptr),
-      m_pFeatureReportFunc(nullptr),
-      m_pQRCodeReportFunc(nullptr),
-      m_pCommandManager(CommandManager::GetInstance()),
+    : m_pCommandManager(CommandManager::GetInstance()),
       m_pCameraManager(CameraManager::GetInstance()),
       m_nLastWidth(kInitialWidth),
       m_nLastHeight(kInitialHeight)
@@ -68,11 +63,35 @@ void AICamera::RegisterReportHandler(AsyncCommand* handler)
     m_pCommandManager->Register(handler);
 }
 
+ReportSlot& AICamera::ReportSlotOf(ReportKind kind)
+{
+    switch (kind) {
+    case REPORT_TRACK: return m_pTrackReportFunc;
+    case REPORT_IMAGE: return m_pImageReportFunc;
+    case REPORT_FEATURE: return m_pFeatureReportFunc;
+    case REPORT_QRCODE: return m_pQRCodeReportFunc;
+    default: return m_pRecoReportFunc;
+    }
+}
+
+void AICamera::OnLinkEvent(int event) { m_linkStateFunc.Call(event); }
+
+void AICamera::CountReport(ReportKind kind)
+{
+    if (m_pCommandManager && kind >= 0 && kind < REPORT_KINDS)
+        LinkCounters::Add(m_pCommandManager->Counters().reports[kind]);
+}
+
+const LinkCounters* AICamera::GetLinkCounters() const
+{
+    return m_pCommandManager ? &m_pCommandManager->Counters() : nullptr;
+}
+
 int AICamera::ConnectSerial(void* portName)
 {
     if (!m_pCommandManager)
         return MissingManagerRecord(__func__, __LINE__, "m_pCommandManager");
-    int nRet = m_pCommandManager->StartDataTransmit(portName);
+    int nRet = m_pCommandManager->StartDataTransmit(portName, this);
     if (nRet != 0)
         return nRet;
     RegisterReportHandler(new AsyncCommandRecoReport(this));

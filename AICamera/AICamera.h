@@ -4,33 +4,36 @@
 #ifndef AICAMERA_AICAMERA_H
 #define AICAMERA_AICAMERA_H
 
-#include <atomic>
-
 #include "../Interface/ai_camera.h"
+#include "CallbackSlot.h"
+#include "LinkEvents.h"
+#include "LinkStatistics.h"
 
 class AsyncCommand;
 class CommandManager;
 class CameraManager;
 
-typedef void (*ReportFunc)(char* data, int len);
-
-class AICamera {
+class AICamera : private LinkObserver {
 public:
     AICamera();
     ~AICamera();
     AICamera(const AICamera&) = delete;
     AICamera& operator=(const AICamera&) = delete;
 
-    void RegisterRecoReport(ReportFunc func) { m_pRecoReportFunc.store(func); }
-    void RegisterTrackReport(ReportFunc func) { m_pTrackReportFunc.store(func); }
-    void RegisterImageReport(ReportFunc func) { m_pImageReportFunc.store(func); }
-    void RegisterFeatureReport(ReportFunc func) { m_pFeatureReportFunc.store(func); }
-    void RegisterQRCodeReport(ReportFunc func) { m_pQRCodeReportFunc.store(func); }
-    ReportFunc RecoReportFunc() const { return m_pRecoReportFunc.load(); }
-    ReportFunc TrackReportFunc() const { return m_pTrackReportFunc.load(); }
-    ReportFunc ImageReportFunc() const { return m_pImageReportFunc.load(); }
-    ReportFunc FeatureReportFunc() const { return m_pFeatureReportFunc.load(); }
-    ReportFunc QRCodeReportFunc() const { return m_pQRCodeReportFunc.load(); }
+    void RegisterRecoReport(ReportFunc func) { m_pRecoReportFunc.Set(func); }
+    void RegisterTrackReport(ReportFunc func) { m_pTrackReportFunc.Set(func); }
+    void RegisterImageReport(ReportFunc func) { m_pImageReportFunc.Set(func); }
+    void RegisterFeatureReport(ReportFunc func) { m_pFeatureReportFunc.Set(func); }
+    void RegisterQRCodeReport(ReportFunc func) { m_pQRCodeReportFunc.Set(func); }
+    // The same slots, with the application's context pointer handed back.
+    void RegisterReport(ReportKind kind, ReportUserFunc func, void* user) { ReportSlotOf(kind).Set(func, user); }
+    ReportSlot& ReportSlotOf(ReportKind kind);
+    // Called with LINK_EVENT_UP, _LOST and _CLOSED for the links this object starts.
+    void RegisterLinkState(LinkStateSlot::WithUser func, void* user) { m_linkStateFunc.Set(func, user); }
+    // A report reached its callback.
+    void CountReport(ReportKind kind);
+    // The counters of the shared serial link since its last start.
+    const LinkCounters* GetLinkCounters() const;
 
     // Connections and the local video stream.
     int ConnectSerial(void* portName);
@@ -128,12 +131,15 @@ private:
     int MissingManagerRecord(const char* function, int line, const char* manager);
     int UploadSwitch(const char* function, int line, unsigned short tag, unsigned char value);
 
-    // Stored by the application's threads, read by the listener thread for every report.
-    std::atomic<ReportFunc> m_pRecoReportFunc;
-    std::atomic<ReportFunc> m_pTrackReportFunc;
-    std::atomic<ReportFunc> m_pImageReportFunc;
-    std::atomic<ReportFunc> m_pFeatureReportFunc;
-    std::atomic<ReportFunc> m_pQRCodeReportFunc;
+    void OnLinkEvent(int event) override;
+
+    // Set by the application's threads, read by the listener thread for every report.
+    ReportSlot m_pRecoReportFunc;
+    ReportSlot m_pTrackReportFunc;
+    ReportSlot m_pImageReportFunc;
+    ReportSlot m_pFeatureReportFunc;
+    ReportSlot m_pQRCodeReportFunc;
+    LinkStateSlot m_linkStateFunc;
     CommandManager* m_pCommandManager;
     CameraManager* m_pCameraManager;
     int m_nLastWidth;

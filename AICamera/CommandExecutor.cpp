@@ -29,8 +29,8 @@ struct CrcTable {
 };
 }  // namespace
 
-CommandExecutor::CommandExecutor(CommandManager* manager)
-    : m_pManager(manager), m_pTransceiver(nullptr), m_bBusy(false), m_bAborted(false), m_pPending(nullptr),
+CommandExecutor::CommandExecutor(CommandManager* manager, LinkCounters* counters)
+    : m_pManager(manager), m_pCounters(counters), m_pTransceiver(nullptr), m_bBusy(false), m_bAborted(false), m_pPending(nullptr),
       m_bAnswered(false)
 {
 }
@@ -103,6 +103,7 @@ int CommandExecutor::Execute(SyncCommand* cmd)
     if (result == 0 && !m_hChanged.wait_until(lock, deadline, [this] { return !m_bBusy || m_bAborted; })) {
         // Still queued at the deadline: nothing was sent.
         TRACE_AT(LOG_LEVER_TRACE, "m_hSemaphore Wait Timeout: %d\n", cmd->GetTimeout());
+        LinkCounters::Add(m_pCounters->requestsTimedOut);
         return -3;
     }
     if (result != 0 || m_bAborted) {
@@ -122,6 +123,8 @@ int CommandExecutor::Execute(SyncCommand* cmd)
     } else if (!m_hChanged.wait_until(lock, deadline, [this] { return m_bAnswered || m_bAborted; }) ||
                !m_bAnswered) {
         TRACE_AT(LOG_LEVER_TRACE, "m_hSemaphore Wait Timeout: %d\n", cmd->GetTimeout());
+        if (!m_bAborted)
+            LinkCounters::Add(m_pCounters->requestsTimedOut);
         result = -3;
     }
     // An answer that comes after this can complete no later request.
@@ -158,8 +161,10 @@ int CommandExecutor::Process(void* frame, unsigned int len)
         return -4;
     unsigned char* payload = bytes + kHeaderSize;
     unsigned int stored = OS_ReadBigEndian32(payload + size);
-    if (stored != GetCheckSums(bytes, len - 4))
+    if (stored != GetCheckSums(bytes, len - 4)) {
+        LinkCounters::Add(m_pCounters->checksumErrors);
         return -5;
+    }
     // The first two bytes after the length; of a payload shorter than that,
     // the checksum supplies the rest.
     unsigned short tag = static_cast<unsigned short>(OS_ReadLittleEndian16(payload));
@@ -177,10 +182,13 @@ int CommandExecutor::Process(void* frame, unsigned int len)
 int CommandExecutor::DeliverAnswer(unsigned short tag, void* payload, unsigned int size)
 {
     std::unique_lock<std::mutex> lock(m_hMutex);
-    if (!m_pPending)
+    if (!m_pPending) {
+        LinkCounters::Add(m_pCounters->lateAnswers);
         return 0;
+    }
     if (m_pPending->GetTag() != tag) {
         TRACE_AT(LOG_LEVER_TRACE, "Tag : %04X isn't handle\n", tag);
+        LinkCounters::Add(m_pCounters->lateAnswers);
         return 0;
     }
     TRACE_AT(LOG_LEVER_TRACE, "Get Tag : %04X\n", tag);

@@ -16,6 +16,7 @@
 #include <mutex>
 
 #include "Command.h"
+#include "LinkStatistics.h"
 
 class CommandManager;
 class Message;
@@ -23,7 +24,7 @@ class Transceiver;
 
 class CommandExecutor {
 public:
-    explicit CommandExecutor(CommandManager* manager);
+    CommandExecutor(CommandManager* manager, LinkCounters* counters);
     ~CommandExecutor();
     CommandExecutor(const CommandExecutor&) = delete;
     CommandExecutor& operator=(const CommandExecutor&) = delete;
@@ -53,6 +54,7 @@ private:
     int DeliverAnswer(unsigned short tag, void* payload, unsigned int size);
 
     CommandManager* m_pManager;
+    LinkCounters* m_pCounters;
     Transceiver* m_pTransceiver;
     // Guards the fields below; never held across a write or a callback.
     std::mutex m_hMutex;

@@ -78,7 +78,7 @@ void CommandManager::FreeRetiredLinks()
     }
 }
 
-int CommandManager::StartDataTransmit(void* port)
+int CommandManager::StartDataTransmit(void* port, LinkObserver* observer)
 {
     const char* name = static_cast<const char*>(port);
     if (!name || !name[0])
@@ -94,8 +94,10 @@ int CommandManager::StartDataTransmit(void* port)
     char portName[kPortNameSize] = {0};
     memcpy(portName, name, strlen(name));
     // The executor exists before the port opens, so that no frame finds none.
-    CommandExecutor* executor = new (std::nothrow) CommandExecutor(this);
-    Transceiver* transceiver = executor ? new (std::nothrow) Transceiver(this, executor) : nullptr;
+    m_counters.Reset();
+    m_events.Begin(observer);
+    CommandExecutor* executor = new (std::nothrow) CommandExecutor(this, &m_counters);
+    Transceiver* transceiver = executor ? new (std::nothrow) Transceiver(this, executor, &m_counters, &m_events) : nullptr;
     if (transceiver)
         executor->SetTransceiver(transceiver);
     if (!transceiver || transceiver->Init(portName) != 0) {
@@ -103,6 +105,7 @@ int CommandManager::StartDataTransmit(void* port)
             transceiver->Destroy();
         delete transceiver;
         delete executor;
+        m_events.Begin(nullptr);
         return -2;
     }
     m_pExecutor = executor;
@@ -145,6 +148,8 @@ int CommandManager::StopDataTransmit()
         delete link.pExecutor;
     }
     FreeRetiredLinks();
+    // Last, so that the observer may start the link again from here.
+    m_events.Closed();
     return 0;
 }
 

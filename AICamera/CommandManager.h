@@ -25,13 +25,16 @@
 
 #include "Command.h"
 #include "CommandExecutor.h"
+#include "LinkEvents.h"
+#include "LinkStatistics.h"
 #include "Transceiver.h"
 
 class CommandManager {
 public:
     static CommandManager* GetInstance();
 
-    int StartDataTransmit(void* port);
+    // `observer`, when given, hears the link come up, get lost and close.
+    int StartDataTransmit(void* port, LinkObserver* observer = nullptr);
     int StopDataTransmit();
     int Execute(SyncCommand* cmd, bool wait);
     int Register(AsyncCommand* cmd);
@@ -40,6 +43,8 @@ public:
     // The running link's transceiver, null when stopped; for programs that drive
     // the receive path by hand.
     Transceiver* GetTransceiver();
+    // Since the last start; kept after a stop, for a look at what happened.
+    LinkCounters& Counters() { return m_counters; }
 
     CommandManager();
     ~CommandManager();
@@ -72,6 +77,8 @@ private:
     // follows the start, so frames may be looked up meanwhile: hence the lock.
     std::vector<AsyncCommand*> m_commands;
     std::mutex m_commandsLock;
+    LinkCounters m_counters;
+    LinkEvents m_events;
 };
 
 #endif

@@ -26,7 +26,7 @@ std::string TwoDigits(int value)
 }
 }  // namespace
 
-Log::Log() : m_nLever(LOG_LEVER_OFF), m_nTarget(LOG_TARGET_CONSOLE_FILE), m_pClock(&WallClock) {}
+Log::Log() : m_strDirectory("Log"), m_nLever(LOG_LEVER_OFF), m_nTarget(LOG_TARGET_CONSOLE_FILE), m_pClock(&WallClock) {}
 
 Log* Log::GetInstance()
 {
@@ -57,6 +57,26 @@ int Log::Init(LOG_LEVER level, LOG_TARGET target, const std::string& path, const
     }
     TraceRecord(LOG_LEVER_INFO, "Log", "Init", __LINE__, "SDK VERSION :%s\n", SDK_VERSION_TEXT);
     return 0;
+}
+
+bool Log::SetDirectory(const std::string& path)
+{
+    bool usable = Makedir(path) && access(path.c_str(), W_OK | X_OK) == 0;
+    // Records are written under _mtx: none goes half to the old directory.
+    _mtx.Lock();
+    m_strDirectory = path;
+    if (m_nLever != LOG_LEVER_OFF && (m_nTarget == LOG_TARGET_FILE || m_nTarget == LOG_TARGET_CONSOLE_FILE))
+        m_strPath = path;
+    _mtx.Unlock();
+    return usable;
+}
+
+std::string Log::Directory()
+{
+    _mtx.Lock();
+    std::string directory = m_strDirectory;
+    _mtx.Unlock();
+    return directory;
 }
 
 int Log::GetLogConfig(int* level, int* target)

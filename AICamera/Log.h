@@ -12,11 +12,12 @@
 
 #include "../Interface/ai_camera.h"  // LOG_LEVER, LOG_TARGET
 #include "../OS/OS_Mutex.h"
+#include "ai_camera_version.h"
 
 // Held by every caller while it composes and emits one record.
 extern OS_Mutex _mtx;
 
-#define SDK_VERSION_TEXT "V4.2.0.2"
+#define SDK_VERSION_TEXT AI_CAMERA_VERSION_TEXT
 
 template <typename T>
 std::string num2str(const T& value)
@@ -34,6 +35,11 @@ public:
 
     int Init(LOG_LEVER level, LOG_TARGET target, const std::string& path, const std::string& name);
     int GetLogConfig(int* level, int* target);
+    // The directory that the next Init is given ("Log" until changed). When
+    // records go to files now, they go to the new directory from the next one
+    // on. False when the directory cannot be made or written.
+    bool SetDirectory(const std::string& path);
+    std::string Directory();
 
     int Trace(const char* format, ...) __attribute__((format(printf, 2, 3)));
     int Debug(const char* format, ...) __attribute__((format(printf, 2, 3)));
@@ -60,6 +66,7 @@ private:
     struct tm LocalNow();
 
     std::string m_strPath;
+    std::string m_strDirectory;  // guarded by _mtx
     std::string m_strName;
     std::ofstream m_file;
     // Read by every thread that traces, written by Init.

@@ -17,8 +17,8 @@ enum : unsigned short {
 };
 }  // namespace
 
-ReportCommand::ReportCommand(AICamera* camera, unsigned short tag, CallbackSlot slot)
-    : m_pCamera(camera), m_pSlot(slot)
+ReportCommand::ReportCommand(AICamera* camera, unsigned short tag, ReportKind kind)
+    : m_pCamera(camera), m_kind(kind)
 {
     SetTag(tag);
 }
@@ -31,30 +31,32 @@ int ReportCommand::Process()
     TLVMessage tlvMessage = TLVMessage();
     GetResult(&tlvMessage);
     // The slot is read for every report, so a new registration applies at once.
-    ReportFunc callback = (m_pCamera->*m_pSlot)();
-    if (!callback)
+    const ReportSlot& slot = m_pCamera->ReportSlotOf(m_kind);
+    if (slot.Empty())
         return 0;
     BeforeCallback();
-    callback(static_cast<char*>(tlvMessage.pValue), static_cast<int>(tlvMessage.nLength));
+    m_pCamera->CountReport(m_kind);
+    // The callback may even release the device object: nothing is touched after it.
+    slot.Call(static_cast<char*>(tlvMessage.pValue), static_cast<int>(tlvMessage.nLength));
     return 0;
 }
 
 AsyncCommandTrackReport::AsyncCommandTrackReport(AICamera* camera)
-    : ReportCommand(camera, kTrackReport, &AICamera::TrackReportFunc) {}
+    : ReportCommand(camera, kTrackReport, REPORT_TRACK) {}
 
 AsyncCommandRecoReport::AsyncCommandRecoReport(AICamera* camera)
-    : ReportCommand(camera, kRecoReport, &AICamera::RecoReportFunc) {}
+    : ReportCommand(camera, kRecoReport, REPORT_RECO) {}
 
 AsyncCommandQRCodeReport::AsyncCommandQRCodeReport(AICamera* camera)
-    : ReportCommand(camera, kQRCodeReport, &AICamera::QRCodeReportFunc) {}
+    : ReportCommand(camera, kQRCodeReport, REPORT_QRCODE) {}
 
 AsyncCommandImageReport::AsyncCommandImageReport(AICamera* camera)
-    : ReportCommand(camera, kImageReport, &AICamera::ImageReportFunc) {}
+    : ReportCommand(camera, kImageReport, REPORT_IMAGE) {}
 
 void AsyncCommandImageReport::BeforeCallback() { m_pCamera->SendImageReportReturn(); }
 
 AsyncCommandFeatureReport::AsyncCommandFeatureReport(AICamera* camera)
-    : ReportCommand(camera, kFeatureReport, &AICamera::FeatureReportFunc) {}
+    : ReportCommand(camera, kFeatureReport, REPORT_FEATURE) {}
 
 int AICamera::SendImageReportReturn()
 {
@@ -62,5 +64,8 @@ int AICamera::SendImageReportReturn()
         return MissingManagerRecord(__func__, __LINE__, "m_pCommandManager");
     SyncCommand acknowledgement;
     acknowledgement.AddTLV(kImageReport, 0, nullptr);
-    return m_pCommandManager->Execute(&acknowledgement, false);
+    int nRet = m_pCommandManager->Execute(&acknowledgement, false);
+    if (nRet == 0)
+        LinkCounters::Add(m_pCommandManager->Counters().imageAcks);
+    return nRet;
 }

@@ -8,9 +8,7 @@
 
 class ReportCommand : public AsyncCommand {
 public:
-    typedef ReportFunc (AICamera::*CallbackSlot)() const;
-
-    ReportCommand(AICamera* camera, unsigned short tag, CallbackSlot slot);
+    ReportCommand(AICamera* camera, unsigned short tag, ReportKind kind);
     ~ReportCommand() override;
     int Process() override;
 
@@ -20,7 +18,7 @@ protected:
     AICamera* m_pCamera;
 
 private:
-    CallbackSlot m_pSlot;
+    ReportKind m_kind;
 };
 
 class AsyncCommandTrackReport : public ReportCommand {

@@ -20,13 +20,16 @@ const int kFrameOverhead = 9;
 bool IsLinkFailure(int error) { return error != EAGAIN && error != EWOULDBLOCK && error != EINTR; }
 }  // namespace
 
-Transceiver::Transceiver(CommandManager* manager, CommandExecutor* executor)
+Transceiver::Transceiver(CommandManager* manager, CommandExecutor* executor, LinkCounters* counters,
+                         LinkEvents* events)
     : m_pPortName(nullptr),
       m_pBuffer(static_cast<unsigned char*>(calloc(DATA_BUFFER_SIZE, 1))),
       m_nReadPos(0),
       m_nWritePos(0),
       m_pManager(manager),
       m_pExecutor(executor),
+      m_pCounters(counters),
+      m_pEvents(events),
       m_bWriting(false),
       m_bClosed(false)
 {
@@ -74,10 +77,18 @@ int Transceiver::SendData(void* data, int len, int timeoutMs)
     m_bWriting = true;
     lock.unlock();
     int written = m_serial.Write(data, len, timeoutMs);
+    // Write leaves errno at the error that ended it, or 0.
+    bool failed = written != len && errno != 0;
+    if (written == len) {
+        LinkCounters::Add(m_pCounters->framesSent);
+        LinkCounters::Add(m_pCounters->bytesSent, static_cast<uint64_t>(len));
+    }
     lock.lock();
     m_bWriting = false;
     lock.unlock();
     m_writeDone.notify_one();
+    if (failed && !m_bClosed)
+        LinkLost();
     return written;
 }
 
@@ -90,7 +101,15 @@ void Transceiver::Interrupt()
         m_pExecutor->Abort();
 }
 
-void Transceiver::hangup() { Interrupt(); }
+void Transceiver::started() { m_pEvents->Up(); }
+
+void Transceiver::hangup() { LinkLost(); }
+
+void Transceiver::LinkLost()
+{
+    Interrupt();
+    m_pEvents->Lost();
+}
 
 void Transceiver::process(int event)
 {
@@ -104,11 +123,12 @@ void Transceiver::process(int event)
         if (count < 1) {
             if (count < 0 && IsLinkFailure(errno)) {
                 TRACE_AT(LOG_LEVER_ERROR, "read Return Fail | Errno: %d %s\n", errno, strerror(errno));
-                Interrupt();
+                LinkLost();
             }
             return;
         }
         m_nWritePos += count;
+        LinkCounters::Add(m_pCounters->bytesReceived, static_cast<uint64_t>(count));
         if (m_nWritePos > DATA_BUFFER_SIZE) {
             TRACE_AT(LOG_LEVER_FATAL, "m_nWritePos overflow : %d DATA_BUFFER_SIZE : %d\n", m_nWritePos,
                      DATA_BUFFER_SIZE);
@@ -139,6 +159,7 @@ bool Transceiver::Dispatch()
         // No search for the next marker: a wrong byte at a frame boundary, or a
         // frame that could never fit the buffer, drops everything buffered.
         if (start[0] != kModuleMarker || size + kFrameOverhead > DATA_BUFFER_SIZE) {
+            LinkCounters::Add(m_pCounters->resyncs);
             m_nReadPos = 0;
             m_nWritePos = 0;
             return true;
@@ -148,6 +169,7 @@ bool Transceiver::Dispatch()
             break;
         unsigned int frameSize = static_cast<unsigned int>(size + kFrameOverhead);
         m_nReadPos += static_cast<int>(frameSize);
+        LinkCounters::Add(m_pCounters->framesReceived);
         if (m_pExecutor)
             m_pExecutor->Process(start, frameSize);
         // A report callback may have closed the port; then read nothing more.

@@ -9,6 +9,8 @@
 #include <mutex>
 
 #include "../OS/Serial_Linux/OS_Serial.h"
+#include "LinkEvents.h"
+#include "LinkStatistics.h"
 
 #define DATA_BUFFER_SIZE 0x20000
 
@@ -17,8 +19,10 @@ class CommandExecutor;
 
 class Transceiver : public OS_Serial_Listener {
 public:
-    // Received frames go to `executor`, which outlives the listener thread.
-    Transceiver(CommandManager* manager, CommandExecutor* executor);
+    // Received frames go to `executor`; traffic is counted in `counters` and
+    // the link's coming up and loss told to `events`. All three outlive the
+    // listener thread.
+    Transceiver(CommandManager* manager, CommandExecutor* executor, LinkCounters* counters, LinkEvents* events);
     ~Transceiver() override;
     Transceiver(const Transceiver&) = delete;
     Transceiver& operator=(const Transceiver&) = delete;
@@ -29,6 +33,8 @@ public:
     int SendData(void* data, int len);
     int SendData(void* data, int len, int timeoutMs);
     void process(int event) override;
+    // The listener thread runs: the link is up.
+    void started() override;
     // The port hung up: the executor fails what waits and what comes.
     void hangup() override;
     // The link is going: requests that wait, writes in progress and everything
@@ -47,6 +53,8 @@ public:
 private:
     // Cuts the buffered bytes into frames; false when the port was closed meanwhile.
     bool Dispatch();
+    // The module is gone: what waits fails at once, and the application hears of it.
+    void LinkLost();
 
     OS_Serial m_serial;
     char* m_pPortName;
@@ -55,6 +63,8 @@ private:
     int m_nWritePos;
     CommandManager* m_pManager;
     CommandExecutor* m_pExecutor;
+    LinkCounters* m_pCounters;
+    LinkEvents* m_pEvents;
     // One frame's writes at a time, from requests and acknowledgements alike.
     std::mutex m_writeLock;
     std::condition_variable m_writeDone;

@@ -127,7 +127,7 @@ int DeInitDev(void* dev)
 
 int SetLogConfig(LOG_LEVER nLogLever, LOG_TARGET nLogTarget)
 {
-    int nRet = Log::GetInstance()->Init(nLogLever, nLogTarget, "Log", ".log") == 0 ? 0 : -4;
+    int nRet = Log::GetInstance()->Init(nLogLever, nLogTarget, Log::GetInstance()->Directory(), ".log") == 0 ? 0 : -4;
     TRACE("[INPUT ] nLogLever : %d nLogTatget : %d\n[OUTPUT]\n[RETURN] nRet : %d\n", nLogLever, nLogTarget, nRet);
     return nRet;
 }

@@ -9,6 +9,7 @@
 #define AI_CAMERA_EXT_H
 
 #include "ai_camera.h"
+#include "ai_camera_version.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -49,9 +50,83 @@ typedef struct AI_CAMERA_MODULE {
    null modules with a capacity, an id outside 0..0xFFFF or an unknown flag. */
 AI_CAMERA_API int EnumModules(AI_CAMERA_MODULE* modules, int capacity, int vendorId, int productId, int flags);
 
-/* Copies the library's version text ("V4.2.0.2", as the log's version record
-   says), cut to versionSize - 1 characters. 0; -4 null buffer or size below 1. */
+/* Copies the library's version text, AI_CAMERA_VERSION_TEXT of the library that
+   runs ("V4.2.0.2", as the log's version record says; the package version is the
+   same without the "V"), cut to versionSize - 1 characters. Compare it with the
+   macros of ai_camera_version.h to find a library older than the headers.
+   0; -4 null buffer or size below 1. */
 AI_CAMERA_API int GetSdkVersion(char* versionBuf, int versionSize);
+
+/* Result codes of the extensions, beside those of ai_camera.h (0 success, -1 no
+   handle or no link, -2 port not opened, -4 invalid argument, -5 bad log
+   configuration, -6 request failed (link down or no answer in time), -7 answer
+   unusable, -8 answer of the wrong length, -9 handler exists, -10 video stream
+   not opened or gone, -11 no new picture, 1..255 the module's own status). */
+#define AI_CAMERA_LOG_DIRECTORY_UNUSABLE (-12) /* SetLogDirectory */
+
+/* A short, static English text for a result code: "success" for 0, a sentence
+   for each negative code above, "module status N" for the module's own statuses
+   1..255, "unknown result code" otherwise. Never null; never freed. */
+AI_CAMERA_API const char* GetResultText(int code);
+
+/* Sets the directory of the daily log files ("Log" under the working directory
+   until this is called), created with its parents if missing. Takes effect at
+   once when logging to files is on, and for every later SetLogConfig. 0; -4 null,
+   empty or longer than 4095 characters; AI_CAMERA_LOG_DIRECTORY_UNUSABLE when it
+   cannot be created or written (it is still used: records are lost until it can). */
+AI_CAMERA_API int SetLogDirectory(const char* dir);
+
+/* Report callbacks with a context pointer. The same five slots as the
+   Register...ReportCb functions: registering either form replaces the other, and
+   a null function silences that kind. `user` is handed back unchanged on every
+   call, on the serial listener thread. 0; -1 null dev. */
+typedef void (*AI_CAMERA_REPORT_USER_FUNC)(char* data, int len, void* user);
+AI_CAMERA_API int RegisterRecoReportCbEx(void* dev, AI_CAMERA_REPORT_USER_FUNC handler_func, void* user);
+AI_CAMERA_API int RegisterTrackReportCbEx(void* dev, AI_CAMERA_REPORT_USER_FUNC handler_func, void* user);
+AI_CAMERA_API int RegisterImageReportCbEx(void* dev, AI_CAMERA_REPORT_USER_FUNC handler_func, void* user);
+AI_CAMERA_API int RegisterFeatureReportCbEx(void* dev, AI_CAMERA_REPORT_USER_FUNC handler_func, void* user);
+AI_CAMERA_API int RegisterQRCodeReportCbEx(void* dev, AI_CAMERA_REPORT_USER_FUNC handler_func, void* user);
+
+/* Link states handed to the link-state callback. For each ConnectSerial that
+   succeeds: UP once the link runs; LOST when the module goes away (the port hangs
+   up, a read or a write fails: requests then fail at once with -6); CLOSED when the
+   application disconnects (DisconnectSerial, DeInit, or a ConnectSerial that
+   replaces the link). Each at most once, in this order, never two at a time. UP and
+   LOST come on the serial listener thread, CLOSED on the thread that closed the
+   link, after the link is closed: it may connect again from the callback. */
+#define AI_CAMERA_LINK_UP 1
+#define AI_CAMERA_LINK_LOST 2
+#define AI_CAMERA_LINK_CLOSED 3
+typedef void (*AI_CAMERA_LINK_STATE_FUNC)(int state, void* user);
+
+/* Registers the handle's link-state callback (null removes it); it hears the links
+   that this handle's ConnectSerial starts. 0; -1 null dev. */
+AI_CAMERA_API int RegisterLinkStateCb(void* dev, AI_CAMERA_LINK_STATE_FUNC handler_func, void* user);
+
+/* Indexes of AI_CAMERA_LINK_STATS.reports. */
+#define AI_CAMERA_REPORT_RECO 0
+#define AI_CAMERA_REPORT_TRACK 1
+#define AI_CAMERA_REPORT_IMAGE 2
+#define AI_CAMERA_REPORT_FEATURE 3
+#define AI_CAMERA_REPORT_QRCODE 4
+
+/* Counters of the serial link since its last ConnectSerial (all handles share one
+   link); kept after it closes or is lost. */
+typedef struct AI_CAMERA_LINK_STATS {
+    unsigned long long framesSent;       /* whole frames written to the module */
+    unsigned long long bytesSent;
+    unsigned long long framesReceived;   /* frames cut from the input, good or bad */
+    unsigned long long bytesReceived;
+    unsigned long long checksumErrors;   /* frames dropped for a bad checksum */
+    unsigned long long resyncs;          /* input dropped after garbage or an impossible length */
+    unsigned long long requestsTimedOut; /* requests that got no answer (or no turn) in time */
+    unsigned long long lateAnswers;      /* answers that no request waited for: dropped */
+    unsigned long long reports[5];       /* reports handed to a callback, by AI_CAMERA_REPORT_... */
+    unsigned long long imageAcks;        /* image-report acknowledgements sent */
+} AI_CAMERA_LINK_STATS;
+
+/* Fills *stats. 0; -1 null dev; -4 null stats. */
+AI_CAMERA_API int GetLinkStats(void* dev, AI_CAMERA_LINK_STATS* stats);
 
 #ifdef __cplusplus
 }

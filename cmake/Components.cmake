@@ -2,6 +2,9 @@
 # be tested on its own; libai_camera.so links them all and exports only the
 # functions marked in Interface/ai_camera.h.
 set(AICAM_ROOT ${CMAKE_CURRENT_SOURCE_DIR})
+# The version header, made from the project's version number.
+set(AICAM_GENERATED_INCLUDE ${PROJECT_BINARY_DIR}/include)
+configure_file(${AICAM_ROOT}/Interface/ai_camera_version.h.in ${AICAM_GENERATED_INCLUDE}/ai_camera_version.h @ONLY)
 
 # aicam_component(NAME DEPENDS...): sources come from cmake/sources/NAME.cmake,
 # which sets AICAM_SOURCES to paths relative to the source root.
@@ -13,7 +16,7 @@ function(aicam_component name)
   endif()
   list(TRANSFORM AICAM_SOURCES PREPEND ${AICAM_ROOT}/)
   add_library(aicam_${name} STATIC ${AICAM_SOURCES})
-  target_include_directories(aicam_${name} PUBLIC ${AICAM_ROOT} ${AICAM_ROOT}/Interface)
+  target_include_directories(aicam_${name} PUBLIC ${AICAM_ROOT} ${AICAM_ROOT}/Interface ${AICAM_GENERATED_INCLUDE})
   foreach(dep IN LISTS ARGN)
     if(TARGET ${dep})
       target_link_libraries(aicam_${name} PUBLIC ${dep})
@@ -43,6 +46,7 @@ add_library(ai_camera SHARED ${AICAM_ROOT}/cmake/empty.cpp)
 target_link_libraries(ai_camera PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,aicam_${AICAM_SHARED_ROOT}>")
 target_include_directories(ai_camera PUBLIC
   $<BUILD_INTERFACE:${AICAM_ROOT}/Interface>
+  $<BUILD_INTERFACE:${AICAM_GENERATED_INCLUDE}>
   $<INSTALL_INTERFACE:include>)
 set_target_properties(ai_camera PROPERTIES
   VERSION ${PROJECT_VERSION}

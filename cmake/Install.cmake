@@ -1,5 +1,5 @@
 # What `cmake --install` puts in place, and the Debian package `cpack -G DEB`
-# makes from it: the shared library with its SONAME links, the two public
+# makes from it: the shared library with its SONAME links, the public
 # headers, a pkg-config file, a CMake package (find_package(ai_camera) gives
 # ai_camera::ai_camera), the udev rule, and the programs aicam and aicam-sim.
 include(GNUInstallDirs)
@@ -13,6 +13,7 @@ install(TARGETS ai_camera EXPORT ai_cameraTargets
 install(FILES
   ${PROJECT_SOURCE_DIR}/Interface/ai_camera.h
   ${PROJECT_SOURCE_DIR}/Interface/ai_camera_ext.h
+  ${PROJECT_BINARY_DIR}/include/ai_camera_version.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 # The udev rule for the module's nodes (group plugdev, /dev/aicam/ links, no

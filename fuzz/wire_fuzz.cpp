@@ -78,8 +78,9 @@ Registry& TheRegistry()
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     Registry& registry = TheRegistry();
-    CommandExecutor executor(registry.manager);
-    Transceiver receiver(registry.manager, &executor);
+    CommandExecutor executor(registry.manager, &registry.manager->Counters());
+    LinkEvents events;
+    Transceiver receiver(registry.manager, &executor, &registry.manager->Counters(), &events);
     size_t cut = size ? data[0] % (size + 1) : 0;
     receiver.Receive(data, static_cast<int>(cut));
     receiver.Receive(data + cut, static_cast<int>(size - cut));

@@ -281,6 +281,7 @@ int OS_Serial::Write(void const* buf, int len, int timeoutMs)
     long long stalledSince = NowMs();
     int total = 0;
     int written = 0;
+    int failure = 0;
     while (total < len && !m_bInterrupted) {
         written = static_cast<int>(write(m_pSerial->nFd, bytes + total, static_cast<size_t>(len - total)));
         if (written > 0) {
@@ -288,8 +289,10 @@ int OS_Serial::Write(void const* buf, int len, int timeoutMs)
             stalledSince = NowMs();
             continue;
         }
-        if (written == 0 || (errno != EAGAIN && errno != EINTR))
+        if (written == 0 || (errno != EAGAIN && errno != EINTR)) {
+            failure = written < 0 ? errno : 0;
             break;
+        }
         long long now = NowMs();
         long long left = stalledSince + kWriteStallMs - now;
         if (deadline >= 0 && deadline - now < left)
@@ -302,6 +305,7 @@ int OS_Serial::Write(void const* buf, int len, int timeoutMs)
         TRACE_AT(LOG_LEVER_ERROR, "write Return Fail | nWriteNum : %d  Errno : %d %s\n", written, errno,
                  strerror(errno));
     }
+    errno = failure;
     return total > 0 ? total : written;
 }
 
@@ -342,7 +346,10 @@ void* OS_Serial::ListenProcess(void* arg)
 {
     OS_SerialPort* port = static_cast<OS_SerialPort*>(arg);
     t_pServedListener = port->pListener;
-    RunListenLoop(port);
+    port->pListener->started();
+    // The listener may have closed the port from inside started().
+    if (!port->bClosedFromListener)
+        RunListenLoop(port);
     t_pServedListener = nullptr;
     port->bThreadDone = true;
     return nullptr;

@@ -23,7 +23,8 @@ public:
     int Open(char const* path, OS_Serial_Listener* listener);
     // Writes all len bytes, continuing short writes while the line takes them;
     // gives up when no byte goes out for a second or timeoutMs (if not negative)
-    // has passed. Returns the count written: len on success.
+    // has passed. Returns the count written: len on success. Leaves errno at
+    // the error that ended the write, or 0 when none did (a stall, a timeout).
     int Write(void const* buf, int len, int timeoutMs = -1);
     int Read(void* buf, int len);
     // Makes a write in progress, and every later one, give up within 50 ms,

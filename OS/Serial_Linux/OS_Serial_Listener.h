@@ -8,6 +8,8 @@ public:
     // event 1: bytes are waiting; no other value is sent.
     virtual void process(int event) = 0;
     virtual ~OS_Serial_Listener() = default;
+    // The listener thread has started, before any other call.
+    virtual void started() {}
     // The port hung up or failed (the module was unplugged): no event follows,
     // and the listener thread ends once this returns.
     virtual void hangup() {}

@@ -6,5 +6,7 @@ set(AICAM_SOURCES
   AICamera/CommandExecutor.cpp
   AICamera/Transceiver.cpp
   AICamera/CommandManager.cpp
+  AICamera/LinkEvents.cpp
+  AICamera/LinkStatistics.cpp
   OS/Serial_Linux/OS_Serial.cpp
 )

@@ -24,14 +24,16 @@ run cpack -G DEB --config "$3/CPackConfig.cmake" -B "$SCRATCH/package"
 expect_rc 0 "cpack:"
 deb=$(find "$SCRATCH/package" -maxdepth 1 -name 'libai-camera_*_amd64.deb' -print -quit)
 run dpkg-deb --contents "${deb:?no .deb made}"
-for entry in "usr/lib/libai_camera.so.4.2.0" "usr/lib/libai_camera.so.4 -> libai_camera.so.4.2.0" \
+# The package's version is the one the headers and the library carry.
+version=$(sed -n 's/^#define AI_CAMERA_VERSION_STRING "\(.*\)"$/\1/p' "$3/include/ai_camera_version.h")
+for entry in "usr/lib/libai_camera.so.$version" "usr/lib/libai_camera.so.4 -> libai_camera.so.$version" \
              "usr/lib/libai_camera.so -> libai_camera.so.4" "usr/include/ai_camera.h" "usr/include/ai_camera_ext.h" \
              "usr/lib/pkgconfig/ai_camera.pc" "usr/lib/cmake/ai_camera/ai_cameraConfig.cmake" \
              "usr/lib/cmake/ai_camera/ai_cameraConfigVersion.cmake" "usr/lib/cmake/ai_camera/ai_cameraTargets.cmake" \
-             "usr/lib/udev/rules.d/70-ai-camera.rules" "usr/bin/aicam" "usr/bin/aicam-sim"; do
+             "usr/include/ai_camera_version.h" "usr/lib/udev/rules.d/70-ai-camera.rules" "usr/bin/aicam" "usr/bin/aicam-sim"; do
   grep -qF -- "./$entry" <<<"$OUT" || fail "the package lacks $entry"
 done
 run dpkg-deb --field "$deb" Package Version Depends
-[ "$(head -n 2 <<<"$OUT")" = "$(printf 'Package: libai-camera\nVersion: 4.2.0')" ] || fail "package name and version"
+[ "$(head -n 2 <<<"$OUT")" = "$(printf 'Package: libai-camera\nVersion: %s' "${version:?no version in the header}")" ] || fail "package name and version"
 expect_out_has "libavcodec59" "the package depends on FFmpeg:"
 finish

@@ -41,7 +41,7 @@ TEST(ExecutorChecks, RefusesEachKindOfBadFrame)
 {
     StartFileLog();
     CommandManager manager;
-    CommandExecutor executor{&manager};
+    CommandExecutor executor{&manager, &manager.Counters()};
     RecordingReport report{0x31};
     manager.Register(&report);
     Bytes good = Report(0x31, {0x05});

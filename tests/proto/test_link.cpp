@@ -52,6 +52,13 @@ TEST_F(Link, RequestTimesOutWhenAReportHandlerTakesItsAnswerOrTheAnswerIsNotForI
     module.CorruptNextChecksums(1);
     EXPECT_EQ(-3, Run(0x1004, {}, nullptr, 300));
     EXPECT_EQ(0, Run(0x1004, {}));
+    // The link's counters saw the three requests that timed out, the corrupt
+    // answer, and the answer that was not for its request.
+    const LinkCounters& counters = manager->Counters();
+    EXPECT_EQ(3u, LinkCounters::Read(counters.requestsTimedOut));
+    EXPECT_EQ(1u, LinkCounters::Read(counters.checksumErrors));
+    EXPECT_EQ(1u, LinkCounters::Read(counters.lateAnswers));
+    EXPECT_EQ(4u, LinkCounters::Read(counters.framesSent));
 }
 
 TEST_F(Link, LateAnswerDoesNotCompleteTheNextRequest)
@@ -72,6 +79,7 @@ TEST_F(Link, LateAnswerDoesNotCompleteTheNextRequest)
     Bytes answer;
     EXPECT_EQ(0, Run(0x2001, {}, &answer));
     EXPECT_EQ(Bytes{0x02}, answer);
+    EXPECT_EQ(1u, LinkCounters::Read(manager->Counters().lateAnswers));
 }
 
 TEST_F(Link, ConcurrentRequestsAreSerialised)
