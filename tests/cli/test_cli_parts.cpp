@@ -39,10 +39,10 @@ TEST(CommandLine, NumbersMustBeWholeAndInRange)
 
 TEST(ResultCodes, EveryCodeHasASentence)
 {
-    EXPECT_EQ("the module refused the request with status 50 (0x32)", ResultText(50));
-    EXPECT_EQ("the library failed with an unknown code", ResultText(-99));
-    for (int code : {-1, -2, -4, -5, -7, -8, -9, -10, -11, -20, -21, -22}) {
-        EXPECT_NE("the library failed with an unknown code", ResultText(code)) << code;
+    EXPECT_EQ("module status 50", ResultText(50));
+    EXPECT_EQ("unknown result code", ResultText(-99));
+    for (int code : {-1, -2, -4, -5, -6, -7, -8, -9, -10, -11, -20, -21, -22}) {
+        EXPECT_NE("unknown result code", ResultText(code)) << code;
         EXPECT_NE(std::string::npos, ExitStatusHelp().find(ResultText(code))) << code;
         EXPECT_EQ(-code, ExitStatus(code));
     }

@@ -38,6 +38,8 @@ t 0 "" recovery 0
 t 0 "enrolled alice" faces add alice
 (cd "$SCRATCH" && "$AICAM" --log debug --port "$PORT" ping >/dev/null 2>&1)
 grep -q "FUNCTION : Ping" "$SCRATCH"/Log/*.log || fail "--log debug records the Ping call under Log/"
+(cd "$SCRATCH" && "$AICAM" --log debug --log-dir "$SCRATCH/var/log/aicam" --port "$PORT" ping >/dev/null 2>&1)
+grep -q "FUNCTION : Ping" "$SCRATCH"/var/log/aicam/*.log || fail "--log-dir puts the log in the directory given"
 
 # The simulator removes its link at exit and keeps its library for the next run.
 stop_sim
@@ -54,5 +56,5 @@ run "$AICAM_SIM" --fps 0
 
 # The module swallows the next request: the library gives up after 10 s.
 start_sim --drop 1
-t 6 "aicam: ping: the module did not answer within 10 s (-6)" ping
+t 6 "aicam: ping: the request failed: the serial link is down or the module did not answer in time (-6)" ping
 finish

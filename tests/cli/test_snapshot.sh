@@ -27,6 +27,6 @@ stop_sim
 [ ! -e "$VIDEO" ] || fail "aicam-sim left its FIFO behind"
 run "$AICAM" --playback "$SCRATCH/nothing.mjpeg" snapshot "$SCRATCH/none.png"
 expect_rc 10 "a missing recording:"
-expect_one_error_line "the video stream could not be opened: $SCRATCH/nothing.mjpeg (-10)"
+expect_one_error_line "the video stream could not be opened or is gone: $SCRATCH/nothing.mjpeg (-10)"
 [ ! -e "$SCRATCH/none.png" ] || fail "no PNG without a picture"
 finish

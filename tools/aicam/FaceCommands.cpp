@@ -23,7 +23,7 @@ unsigned int Length(const std::string& text) { return static_cast<unsigned int>(
 // other requests 10 s.
 int Enrolled(const std::string& command, int result, const std::string& id, bool longWait = false)
 {
-    const std::string text = longWait && result == -6 ? "the module did not answer within 15 s" : ResultText(result);
+    const std::string text = ResultText(result) + (longWait && result == -6 ? " (enrolment waits 15 s)" : "");
     if (result != 0)
         return Fail(command, result, text + " (" + id + ")");
     printf("enrolled %s\n", id.c_str());

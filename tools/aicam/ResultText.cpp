@@ -2,25 +2,19 @@
 
 #include <stdio.h>
 
+#include "ai_camera_ext.h"
+
 namespace {
 struct CodeText {
     int code;
     const char* text;
 };
 
-// -1 means a missing handle or a missing connection, depending on the call.
-const CodeText kTable[] = {
-    {0, "success"},
-    {-1, "the device is not connected (no handle, no serial link or no camera)"},
-    {-2, "the serial port could not be opened"},
-    {-4, "an argument was refused as invalid"},
-    {-5, "the stored log configuration is out of range"},
-    {-6, "the module did not answer within 10 s"},
-    {-7, "the module's answer was missing or unusable"},
-    {-8, "the module's answer had the wrong length"},
-    {-9, "a report handler for this kind of report exists already"},
-    {-10, "the video stream could not be opened"},
-    {-11, "no new picture arrived from the video stream"},
+// The library's codes that the tool meets, in the order of the help text.
+const int kLibraryCodes[] = {-1, -2, -4, -5, -6, -7, -8, -9, -10, -11, AI_CAMERA_LOG_DIRECTORY_UNUSABLE};
+
+// The tool's own failures, beyond the library's codes.
+const CodeText kToolTexts[] = {
     {kFileUnreadable, "a file could not be read"},
     {kFileUnwritable, "a file could not be written"},
     {kEncoderFailed, "the PNG encoder failed"},
@@ -32,16 +26,11 @@ const CodeText kTable[] = {
 
 std::string ResultText(int code)
 {
-    for (const CodeText& entry : kTable) {
+    for (const CodeText& entry : kToolTexts) {
         if (entry.code == code)
             return entry.text;
     }
-    if (code > 0) {
-        char text[64];
-        snprintf(text, sizeof text, "the module refused the request with status %d (0x%02X)", code, code & 0xFF);
-        return text;
-    }
-    return "the library failed with an unknown code";
+    return GetResultText(code);
 }
 
 int Fail(const std::string& what, int code) { return Fail(what, code, ResultText(code)); }
@@ -66,13 +55,15 @@ std::string ExitStatusHelp()
         "negative result code negated; for a refusal by the module its status byte\n"
         "(1..255; enrolment and face counting give statuses of 0x80 and above as\n"
         "negative codes, as the library does). The codes:\n";
-    for (const CodeText& entry : kTable) {
-        if (entry.code == 0)
-            continue;
+    auto add = [&help](int code) {
         char line[160];
-        snprintf(line, sizeof line, "  %3d  %s\n", ExitStatus(entry.code), entry.text);
+        snprintf(line, sizeof line, "  %3d  %s\n", ExitStatus(code), ResultText(code).c_str());
         help += line;
-    }
-    help += "  1..255 otherwise: the module's status byte\n";
+    };
+    for (int code : kLibraryCodes)
+        add(code);
+    for (const CodeText& entry : kToolTexts)
+        add(entry.code);
+    help += "  1..255 otherwise: the module's status byte (\"module status N\")\n";
     return help;
 }

@@ -15,7 +15,8 @@ enum ToolCode {
     kDoctorFound = -25,
 };
 
-// "the module did not answer within 10 s (15 s when enrolling)" for -6, and so on.
+// The library's text for its codes ("module status N" for the module's own),
+// the tool's for its own failures.
 std::string ResultText(int code);
 
 // Prints "aicam: <what>: <text> (<code>)" on stderr and returns code. The text

@@ -28,7 +28,13 @@ int ListDeviceNodes(DeviceNodes& nodes)
 
 Session::Session(const GlobalOptions& options) : m_options(options), m_dev(nullptr)
 {
-    // The level is checked by main; the log goes to Log/ under the working directory.
+    // The level is checked by main; the log goes to Log/ under the working
+    // directory unless --log-dir says otherwise.
+    if (!m_options.logDirectory.empty()) {
+        int result = SetLogDirectory(m_options.logDirectory.c_str());
+        if (result != 0)
+            Fail("--log-dir " + m_options.logDirectory, result);
+    }
     if (m_options.logLevel >= 0)
         SetLogConfig(static_cast<LOG_LEVER>(m_options.logLevel), LOG_TARGET_FILE);
     m_dev = Init();

@@ -16,6 +16,7 @@ struct GlobalOptions {
     std::string module;     // --module N|SERIAL
     UsbId usbId;            // --usb-id VID:PID narrows the modules
     int logLevel = -1;      // -1: the library's trace log stays off
+    std::string logDirectory;  // "": the library's own, Log
 };
 
 class Session {

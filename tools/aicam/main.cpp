@@ -43,6 +43,7 @@ void PrintHelp(const std::vector<Verb>& verbs)
         "  --playback FILE  play a recorded MJPEG stream (file or FIFO) as the video\n"
         "  --log LEVEL      write the library's trace log at LEVEL (trace, debug, info,\n"
         "                   warn, error, fatal or 0..6) to Log/YYYYMMDD.log here\n"
+        "  --log-dir DIR    write the trace log under DIR instead of Log\n"
         "  --help           this text\n\n"
         "Commands:\n%s\n%s",
         VerbList(verbs).c_str(), ExitStatusHelp().c_str());
@@ -90,6 +91,8 @@ int ParseGlobals(int argc, char** argv, GlobalOptions& options, bool& help)
                      "--usb-id takes VID:PID, two hexadecimal numbers of four digits, not '" + value + "'");
                 return -1;
             }
+        } else if (option == "--log-dir") {
+            options.logDirectory = value;
         } else if (option == "--playback") {
             options.playback = value;
         } else if (option == "--log") {
