@@ -3,6 +3,9 @@
 // out, answers arriving while a request is written, hang-ups and corrupt headers.
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -211,4 +214,57 @@ TEST_F(LinkFaults, SteadyFaultsCostSingleRequestsNeverTheLink)
         inARow = Run(0x3100, value, &answer, 1000) == 0 && answer == value ? inARow + 1 : 0;
     }
     EXPECT_EQ(20, inARow);
+}
+
+namespace {
+// The link events heard, and what to do on each.
+struct EventRecorder : LinkObserver {
+    void OnLinkEvent(int event) override
+    {
+        {
+            std::lock_guard<std::mutex> guard(lock);
+            events.push_back(event);
+        }
+        changed.notify_all();
+        if (then)
+            then(event);
+    }
+    bool WaitFor(size_t count)
+    {
+        std::unique_lock<std::mutex> guard(lock);
+        return changed.wait_for(guard, std::chrono::seconds(5), [&] { return events.size() >= count; });
+    }
+    std::mutex lock;
+    std::condition_variable changed;
+    std::vector<int> events;
+    std::function<void(int)> then;
+};
+}  // namespace
+
+TEST_F(LinkFaults, AnObserverHearsTheLossAndConnectsAgainFromInsideTheEvent)
+{
+    module.SetDefaultHandler(Answer({0x00}));
+    module.UnplugOnRequest(0x1004);
+    EventRecorder recorder;
+    std::string newPath;
+    recorder.then = [&](int event) {
+        if (event != LINK_EVENT_LOST)
+            return;
+        // The module comes back on a new port, and the application connects again at once.
+        ASSERT_TRUE(module.Start());
+        module.SetDefaultHandler(Answer({0x00}));
+        newPath = module.SlavePath();
+        EXPECT_EQ(0, manager->StartDataTransmit(&newPath[0], &recorder));
+    };
+    std::string path = module.SlavePath();
+    ASSERT_EQ(0, manager->StartDataTransmit(&path[0], &recorder));
+    ASSERT_TRUE(recorder.WaitFor(1));
+    EXPECT_NE(0, Run(0x1004, {}, nullptr, 10000));
+    ASSERT_TRUE(recorder.WaitFor(4));
+    EXPECT_EQ(0, Run(0x1003, {}));
+    recorder.then = nullptr;
+    EXPECT_EQ(0, manager->StopDataTransmit());
+    std::lock_guard<std::mutex> guard(recorder.lock);
+    EXPECT_EQ(std::vector<int>({LINK_EVENT_UP, LINK_EVENT_LOST, LINK_EVENT_CLOSED, LINK_EVENT_UP, LINK_EVENT_CLOSED}),
+              recorder.events);
 }
