@@ -1,4 +1,5 @@
 set(AICAM_SOURCES
   Interface/ai_camera.cpp
   Interface/ai_camera_modules.cpp
+  Interface/ai_camera_upgrade.cpp
 )
