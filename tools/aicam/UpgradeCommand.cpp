@@ -2,7 +2,9 @@
 // against its MD5 hash and apply it, all in the library's one upgrade call.
 #include <ctype.h>
 #include <stdio.h>
+#include <string.h>
 
+#include <algorithm>
 #include <string>
 
 extern "C" {
@@ -32,15 +34,12 @@ std::string Md5Text(const ByteVector& data)
     return text;
 }
 
+// The library takes either case; the tool shows the hash as it computes it.
 bool IsHashText(std::string& text)
 {
-    if (text.size() != kHashTextLength)
+    if (text.size() != kHashTextLength || strspn(text.c_str(), "0123456789abcdefABCDEF") != kHashTextLength)
         return false;
-    for (char& c : text) {
-        if (!isxdigit(static_cast<unsigned char>(c)))
-            return false;
-        c = static_cast<char>(tolower(static_cast<unsigned char>(c)));
-    }
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return char(tolower(c)); });
     return true;
 }
 
