@@ -14,7 +14,6 @@
 
 #include "AICamera/AICamera.h"
 #include "AICamera/FirmwareUpgrade.h"
-#include "AICamera/Log.h"
 #include "AICamera/Trace.h"
 #include "ai_camera_ext.h"
 
