@@ -14,7 +14,7 @@ class AICamera;
 // How many times a failed slice is sent again before the upgrade gives up.
 const unsigned int kSliceResends = 3;
 // Result of an upgrade that the progress callback cancelled.
-const int kUpgradeCancelled = -12;
+const int kUpgradeCancelled = -13;
 // Length of the hash text the module expects: MD5 in hexadecimal.
 const size_t kMd5TextLength = 32;
 

@@ -56,10 +56,10 @@ AI_CAMERA_API int GetSdkVersion(char* versionBuf, int versionSize);
 /* Firmware upgrade in one call. */
 
 /* Result of an upgrade cancelled by its progress callback. */
-#define AI_CAMERA_UPGRADE_CANCELLED (-12)
+#define AI_CAMERA_UPGRADE_CANCELLED (-13)
 /* Result of UpgradeFirmwareFromFile when the package file cannot be read whole:
    missing, not a regular file, unreadable, empty, or of 4 GiB or more. */
-#define AI_CAMERA_FILE_UNREADABLE (-13)
+#define AI_CAMERA_FILE_UNREADABLE (-14)
 
 /* Told, on the calling thread, the bytes of the package the module has taken so
    far, the package's size, and how many slices were sent again so far: once
@@ -87,7 +87,7 @@ typedef int (*AI_CAMERA_UPGRADE_PROGRESS)(unsigned int sent, unsigned int total,
    -4 null package, packageLength 0, sliceSize 0, md5 neither null, "" nor 32
       hexadecimal characters, errorTextSize below 0, or null errorText with
       errorTextSize above 0;
-   AI_CAMERA_UPGRADE_CANCELLED (-12) when progress returned non-zero;
+   AI_CAMERA_UPGRADE_CANCELLED (-13) when progress returned non-zero;
    the code of the last try of a slice that failed four times (-6, -7, -8, or
    the module's status 1 to 255 as UploadPackageSlice returns them); the
    progress callback's last `sent` is then that slice's offset;
@@ -99,7 +99,7 @@ AI_CAMERA_API int UpgradeFirmware(void* dev, const void* package, unsigned int p
 
 /* The same with the package read whole from the file at path, which is read
    only once every other argument has been accepted. -4 also for a null or empty
-   path; AI_CAMERA_FILE_UNREADABLE (-13) when the file cannot be read whole. */
+   path; AI_CAMERA_FILE_UNREADABLE (-14) when the file cannot be read whole. */
 AI_CAMERA_API int UpgradeFirmwareFromFile(void* dev, const char* path, unsigned int sliceSize, const char* md5, AI_CAMERA_UPGRADE_PROGRESS progress, void* user, int* moduleStatus, char* errorText, int errorTextSize);
 
 #ifdef __cplusplus

@@ -278,7 +278,7 @@ TEST_F(Upgrade, FromAFile)
         EXPECT_EQ(-1, status);
         EXPECT_STREQ("", text);
         std::string expected = Failure("the package file cannot be read whole", inputs,
-                                       " sent : 0 retries : 0 moduleStatus : -1 errorText : ", -13);
+                                       " sent : 0 retries : 0 moduleStatus : -1 errorText : ", AI_CAMERA_FILE_UNREADABLE);
         expected.replace(expected.find("%s"), 2, path);
         EXPECT_EQ(expected, LastRecord("UpgradeFirmwareFromFile"));
     }
