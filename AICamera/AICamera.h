@@ -4,6 +4,8 @@
 #ifndef AICAMERA_AICAMERA_H
 #define AICAMERA_AICAMERA_H
 
+#include <string>
+
 #include "../Interface/ai_camera.h"
 #include "CallbackSlot.h"
 #include "LinkEvents.h"
@@ -100,6 +102,8 @@ public:
     // Firmware upgrade.
     int UploadPackageSlice(unsigned int nPosition, const void* pPacketData, unsigned int nPacketDataLength);
     int ApplyUpgrade(const void* pHashData, unsigned int nHashDataLength);
+    // The same, handing the module's error text (empty when it gave none) to the caller.
+    int ApplyUpgradeWithErrorInfo(const void* pHashData, unsigned int nHashDataLength, std::string& errorInfo);
 
     // Camera and sensor settings.
     int SetUvcSwitch(char nMode);

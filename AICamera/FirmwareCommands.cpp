@@ -1,6 +1,6 @@
 // Firmware upgrade: the package goes up in slices, then the module checks its
 // hash and applies it. Cutting the package is the caller's business.
-#include <stdlib.h>
+#include <string.h>
 
 #include <string>
 
@@ -20,7 +20,15 @@ int AICamera::UploadPackageSlice(unsigned int nPosition, const void* pPacketData
 
 int AICamera::ApplyUpgrade(const void* pHashData, unsigned int nHashDataLength)
 {
-    DEVICE_REQUEST(req, 0x0021);
+    std::string errorInfo;
+    return ApplyUpgradeWithErrorInfo(pHashData, nHashDataLength, errorInfo);
+}
+
+int AICamera::ApplyUpgradeWithErrorInfo(const void* pHashData, unsigned int nHashDataLength, std::string& errorInfo)
+{
+    errorInfo.clear();
+    // Recorded as the one ApplyUpgrade, whichever way it was called.
+    DeviceRequest req(this, m_pCommandManager, "ApplyUpgrade", __LINE__, 0x0021);
     req.Inputs(" pHashData : %p nHashDataLength : %d", pHashData, nHashDataLength);
     if (req.RefuseText(pHashData, nHashDataLength, "pHashData == nullptr",
                        "!strlen(static_cast<char*>(const_cast<void*>(pHashData)))",
@@ -33,9 +41,11 @@ int AICamera::ApplyUpgrade(const void* pHashData, unsigned int nHashDataLength)
     unsigned int errorLength = req.Answer().nLength - 1;
     if (errorLength == 0)
         return req.Succeed();
-    // The module explains a refusal in a text after the status; it reaches the log only.
-    std::string errorInfo(errorLength, '\0');
+    // The module explains a refusal in a text after the status; the text ends
+    // at its first zero byte, if it has one.
+    errorInfo.assign(errorLength, '\0');
     answer.ReadData(&errorInfo[0], errorLength);
+    errorInfo.resize(strlen(errorInfo.c_str()));
     req.AppendInputs(" errorInfo : %s", errorInfo.c_str());
     return req.Succeed();
 }

@@ -63,6 +63,10 @@ AI_CAMERA_API int GetSdkVersion(char* versionBuf, int versionSize);
    unusable, -8 answer of the wrong length, -9 handler exists, -10 video stream
    not opened or gone, -11 no new picture, 1..255 the module's own status). */
 #define AI_CAMERA_LOG_DIRECTORY_UNUSABLE (-12) /* SetLogDirectory */
+#define AI_CAMERA_UPGRADE_CANCELLED (-13)      /* UpgradeFirmware: its progress callback said stop */
+#define AI_CAMERA_FILE_UNREADABLE (-14)        /* UpgradeFirmwareFromFile: the package file cannot be
+                                                  read whole (missing, not a regular file,
+                                                  unreadable, empty, or 4 GiB or more) */
 
 /* A short, static English text for a result code: "success" for 0, a sentence
    for each negative code above, "module status N" for the module's own statuses
@@ -127,6 +131,49 @@ typedef struct AI_CAMERA_LINK_STATS {
 
 /* Fills *stats. 0; -1 null dev; -4 null stats. */
 AI_CAMERA_API int GetLinkStats(void* dev, AI_CAMERA_LINK_STATS* stats);
+
+/* Firmware upgrade in one call. */
+
+/* Told, on the calling thread, the bytes of the package the module has taken so
+   far, the package's size, and how many slices were sent again so far: once
+   with sent 0 before the first slice, then after each slice. `user` is the
+   pointer given to the upgrade call. Returning non-zero cancels the upgrade:
+   nothing more is sent. Never called once the upgrade call has returned. */
+typedef int (*AI_CAMERA_UPGRADE_PROGRESS)(unsigned int sent, unsigned int total, unsigned int retries, void* user);
+
+/* Upgrades the module's firmware with the package of packageLength bytes:
+   sends it with UploadPackageSlice in slices of sliceSize bytes (the last one
+   shorter), each at its byte offset, sending a failed slice again up to three
+   times; then hands the module the package's MD5 hash text with ApplyUpgrade,
+   on which the module checks and applies the package. md5 is the hash published
+   with the package (32 hexadecimal characters, either case), so that the module
+   checks what it received against it; null or "" has it computed from the
+   package. progress may be null. On return, unless an argument was refused:
+   *moduleStatus (when moduleStatus is not null) is the status byte the module
+   answered the apply request with (0 to 255), or -1 when that request was
+   never sent or got no usable answer; errorText receives the module's
+   explanation of a refusal ("" when it gave none), cut to errorTextSize - 1
+   characters and always zero-terminated (errorText may be null when
+   errorTextSize is 0).
+   Returns 0 when the module applied the package;
+   -1 null dev;
+   -4 null package, packageLength 0, sliceSize 0, md5 neither null, "" nor 32
+      hexadecimal characters, errorTextSize below 0, or null errorText with
+      errorTextSize above 0;
+   AI_CAMERA_UPGRADE_CANCELLED (-13) when progress returned non-zero;
+   the code of the last try of a slice that failed four times (-6, -7, -8, or
+   the module's status 1 to 255 as UploadPackageSlice returns them); the
+   progress callback's last `sent` is then that slice's offset;
+   otherwise the code of the apply request: -6, -7, -8, or the module's status
+   1 to 255 when it refused the package. Each slice and the apply request take
+   up to 10 s; a slice must be small enough for the module to store it in that
+   time. */
+AI_CAMERA_API int UpgradeFirmware(void* dev, const void* package, unsigned int packageLength, unsigned int sliceSize, const char* md5, AI_CAMERA_UPGRADE_PROGRESS progress, void* user, int* moduleStatus, char* errorText, int errorTextSize);
+
+/* The same with the package read whole from the file at path, which is read
+   only once every other argument has been accepted. -4 also for a null or empty
+   path; AI_CAMERA_FILE_UNREADABLE (-14) when the file cannot be read whole. */
+AI_CAMERA_API int UpgradeFirmwareFromFile(void* dev, const char* path, unsigned int sliceSize, const char* md5, AI_CAMERA_UPGRADE_PROGRESS progress, void* user, int* moduleStatus, char* errorText, int errorTextSize);
 
 #ifdef __cplusplus
 }

@@ -28,6 +28,8 @@ const CodeText kLibraryTexts[] = {
     {-10, "the video stream could not be opened or is gone"},
     {-11, "no new picture from the video stream"},
     {AI_CAMERA_LOG_DIRECTORY_UNUSABLE, "the log directory cannot be created or written"},
+    {AI_CAMERA_UPGRADE_CANCELLED, "the upgrade was cancelled by its progress callback"},
+    {AI_CAMERA_FILE_UNREADABLE, "the file cannot be read whole"},
 };
 
 const int kModuleStatusCount = 256;

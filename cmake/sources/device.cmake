@@ -8,6 +8,7 @@ set(AICAM_SOURCES
   AICamera/RecognitionSettingsCommands.cpp
   AICamera/DeviceInfoCommands.cpp
   AICamera/FirmwareCommands.cpp
+  AICamera/FirmwareUpgrade.cpp
   AICamera/CameraSettingsCommands.cpp
   AICamera/UploadSwitchCommands.cpp
 )

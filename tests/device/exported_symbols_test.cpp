@@ -79,7 +79,8 @@ TEST(ExportedSymbols, OnlyTheFunctionsOfTheHeadersAreExported)
     EXPECT_EQ(std::set<std::string>({"ConnectCameraPlayback", "EnumModules", "GetSdkVersion", "GetResultText",
                                      "SetLogDirectory", "RegisterRecoReportCbEx", "RegisterTrackReportCbEx",
                                      "RegisterImageReportCbEx", "RegisterFeatureReportCbEx",
-                                     "RegisterQRCodeReportCbEx", "RegisterLinkStateCb", "GetLinkStats"}),
+                                     "RegisterQRCodeReportCbEx", "RegisterLinkStateCb", "GetLinkStats",
+                                     "UpgradeFirmware", "UpgradeFirmwareFromFile"}),
               extension);
     EXPECT_EQ(78u, declared.size());
     declared.insert(extension.begin(), extension.end());

@@ -13,20 +13,20 @@ using ResultsAndLog = DeviceTest;
 TEST_F(ResultsAndLog, EveryCodeHasItsOwnStaticTextAndModuleStatusesAreNumbered)
 {
     std::set<std::string> texts;
-    for (int code = -12; code <= 0; ++code) {
+    for (int code = -14; code <= 0; ++code) {
         const char* text = GetResultText(code);
         ASSERT_NE(nullptr, text);
         EXPECT_NE("unknown result code", std::string(text)) << code;
         texts.insert(text);
         EXPECT_EQ(text, GetResultText(code)) << "the same static text every time";
     }
-    EXPECT_EQ(13u, texts.size()) << "no two codes share a text";
+    EXPECT_EQ(15u, texts.size()) << "no two codes share a text";
     EXPECT_STREQ("success", GetResultText(0));
     EXPECT_STREQ("module status 1", GetResultText(1));
     EXPECT_STREQ("module status 128", GetResultText(128));
     EXPECT_STREQ("module status 255", GetResultText(255));
     EXPECT_STREQ("unknown result code", GetResultText(256));
-    EXPECT_STREQ("unknown result code", GetResultText(-13));
+    EXPECT_STREQ("unknown result code", GetResultText(-15));
     EXPECT_STREQ("the log directory cannot be created or written", GetResultText(AI_CAMERA_LOG_DIRECTORY_UNUSABLE));
     const char* text = GetResultText(-6);
     EXPECT_EQ("[INPUT ] code : -6\n[OUTPUT] text : " + std::string(text) + "\n[RETURN] text : " + Ptr(text) + "\n",

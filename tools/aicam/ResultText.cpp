@@ -11,7 +11,8 @@ struct CodeText {
 };
 
 // The library's codes that the tool meets, in the order of the help text.
-const int kLibraryCodes[] = {-1, -2, -4, -5, -6, -7, -8, -9, -10, -11, AI_CAMERA_LOG_DIRECTORY_UNUSABLE};
+const int kLibraryCodes[] = {-1, -2, -4, -5, -6, -7, -8, -9, -10, -11, AI_CAMERA_LOG_DIRECTORY_UNUSABLE,
+                             AI_CAMERA_UPGRADE_CANCELLED, AI_CAMERA_FILE_UNREADABLE};
 
 // The tool's own failures, beyond the library's codes.
 const CodeText kToolTexts[] = {

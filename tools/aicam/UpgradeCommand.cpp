@@ -1,8 +1,10 @@
 // upgrade: send a firmware package in slices, then have the module check it
-// against its MD5 hash and apply it.
+// against its MD5 hash and apply it, all in the library's one upgrade call.
 #include <ctype.h>
 #include <stdio.h>
+#include <string.h>
 
+#include <algorithm>
 #include <string>
 
 extern "C" {
@@ -10,17 +12,18 @@ extern "C" {
 }
 
 #include "FileData.h"
-#include "ModuleErrorText.h"
 #include "ProgressBar.h"
 #include "ResultText.h"
 #include "Session.h"
 #include "Verb.h"
-#include "ai_camera.h"
+#include "ai_camera_ext.h"
 
 namespace {
-const long kDefaultRetries = 3;
 const size_t kHashTextLength = 32;
+// The library sends a failed slice again this many times.
+const int kSliceTries = 4;
 
+// Shown beside the package, so computed here although the library could.
 std::string Md5Text(const ByteVector& data)
 {
     uint8_t digest[16];
@@ -31,36 +34,49 @@ std::string Md5Text(const ByteVector& data)
     return text;
 }
 
+// The library takes either case; the tool shows the hash as it computes it.
 bool IsHashText(std::string& text)
 {
-    if (text.size() != kHashTextLength)
+    if (text.size() != kHashTextLength || strspn(text.c_str(), "0123456789abcdefABCDEF") != kHashTextLength)
         return false;
-    for (char& c : text) {
-        if (!isxdigit(static_cast<unsigned char>(c)))
-            return false;
-        c = static_cast<char>(tolower(static_cast<unsigned char>(c)));
-    }
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return char(tolower(c)); });
     return true;
 }
 
-// One slice, sent again up to `retries` times when it fails.
-int UploadSlice(void* dev, unsigned int offset, const unsigned char* bytes, unsigned int size, long retries,
-                long& resent)
+// Where the upload stands, as the library's progress calls tell it.
+struct Upload {
+    ProgressBar bar;
+    unsigned int sent = 0;
+    unsigned int total = 0;
+    unsigned int retries = 0;
+};
+
+int ShowProgress(unsigned int sent, unsigned int total, unsigned int retries, void* user)
 {
-    int result = UploadPackageSlice(dev, offset, bytes, size);
-    for (long attempt = 0; result != 0 && attempt < retries; ++attempt) {
-        ++resent;
-        result = UploadPackageSlice(dev, offset, bytes, size);
+    Upload& upload = *static_cast<Upload*>(user);
+    upload.sent = sent;
+    upload.total = total;
+    upload.retries = retries;
+    upload.bar.Update(sent);
+    return 0;
+}
+
+// The module's explanation, shown on one line whatever it holds.
+std::string OneLine(const char* text)
+{
+    std::string line = text;
+    for (char& c : line) {
+        if (static_cast<unsigned char>(c) < 0x20)
+            c = ' ';
     }
-    return result;
+    return line;
 }
 
 int RunUpgrade(Session& session, Arguments& args, const std::string& command)
 {
     std::string path, hash;
-    long slice = kDefaultSliceBytes, retries = kDefaultRetries;
+    long slice = kDefaultSliceBytes;
     args.Number("--slice", 1, kMaxSliceBytes, slice);
-    args.Number("--retries", 0, 100, retries);
     if (args.Option("--md5", hash) && !IsHashText(hash))
         args.Invalid("--md5 takes 32 hexadecimal characters");
     ByteVector package;
@@ -70,32 +86,23 @@ int RunUpgrade(Session& session, Arguments& args, const std::string& command)
         hash = Md5Text(package);
     if (int result = session.ConnectSerial(command))
         return result;
-    void* dev = session.Dev();
     fprintf(stderr, "uploading %s (%zu bytes, md5 %s) in slices of %ld bytes\n", path.c_str(), package.size(),
             hash.c_str(), slice);
-    ProgressBar progress(stderr, package.size());
-    long resent = 0;
-    unsigned int failedAt = 0;
-    int result = SendInSlices(package, static_cast<unsigned int>(slice),
-                              [&](unsigned int offset, const unsigned char* bytes, unsigned int size, bool) {
-                                  failedAt = offset;
-                                  int sent = UploadSlice(dev, offset, bytes, size, retries, resent);
-                                  if (sent == 0)
-                                      progress.Update(offset + static_cast<uint64_t>(size));
-                                  return sent;
-                              });
-    progress.Finish();
-    if (result != 0)
+    Upload upload{ProgressBar(stderr, package.size())};
+    int moduleStatus = -1;
+    char errorText[1024];
+    int result = UpgradeFirmware(session.Dev(), package.data(), static_cast<unsigned int>(package.size()),
+                                 static_cast<unsigned int>(slice), hash.c_str(), ShowProgress, &upload,
+                                 &moduleStatus, errorText, sizeof errorText);
+    upload.bar.Finish();
+    if (upload.sent < upload.total || upload.total == 0)
         return Fail(command, result,
-                    "the slice at byte " + std::to_string(failedAt) + " failed " + std::to_string(retries + 1) +
+                    "the slice at byte " + std::to_string(upload.sent) + " failed " + std::to_string(kSliceTries) +
                         " times: " + ResultText(result));
-    fprintf(stderr, "uploaded in %.1f s (%ld slices sent again)\n", progress.Seconds(), resent);
-    std::string errorText;
-    result = CallWithModuleErrorText(
-        [&] { return ApplyUpgrade(dev, hash.c_str(), static_cast<unsigned int>(hash.size())); }, errorText);
+    fprintf(stderr, "uploaded in %.1f s (%u slices sent again)\n", upload.bar.Seconds(), upload.retries);
     if (result != 0)
         return Fail(command, result,
-                    "the module refused the package: " + (errorText.empty() ? ResultText(result) : errorText));
+                    "the module refused the package: " + (errorText[0] ? OneLine(errorText) : ResultText(result)));
     printf("firmware package applied (%zu bytes, md5 %s)\n", package.size(), hash.c_str());
     return 0;
 }
@@ -103,11 +110,11 @@ int RunUpgrade(Session& session, Arguments& args, const std::string& command)
 
 const Verb kUpgradeVerb = {
     "upgrade",
-    "upgrade FILE [--slice BYTES] [--retries N] [--md5 HASH]",
+    "upgrade FILE [--slice BYTES] [--md5 HASH]",
     "upload a firmware package and apply it",
     "Sends FILE in slices of --slice BYTES (default 4096, at most 1 MiB) at their\n"
     "byte offsets, with a progress bar on stderr; a failed slice is sent again up\n"
-    "to --retries times (default 3). Then the module checks the package against its MD5 hash\n"
+    "to 3 times. Then the module checks the package against its MD5 hash\n"
     "(computed from FILE, or the --md5 published with it) and applies it; when it\n"
     "refuses, its own explanation is shown.\n",
     RunUpgrade,
