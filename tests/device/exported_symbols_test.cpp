@@ -76,9 +76,9 @@ TEST(ExportedSymbols, OnlyTheFunctionsOfTheHeadersAreExported)
 {
     std::set<std::string> declared = DeclaredFunctions(AICAM_INTERFACE_DIR "/ai_camera.h");
     std::set<std::string> extension = DeclaredFunctions(AICAM_INTERFACE_DIR "/ai_camera_ext.h");
-    EXPECT_EQ(std::set<std::string>({"ConnectCameraPlayback", "EnumModules", "GetSdkVersion"}), extension);
+    EXPECT_EQ(std::set<std::string>({"ConnectCameraPlayback", "EnumModules", "GetSdkVersion", "WaitFrame"}), extension);
     declared.insert(extension.begin(), extension.end());
-    EXPECT_EQ(81u, declared.size());
+    EXPECT_EQ(82u, declared.size());
     std::string image = ReadFile(AICAM_LIBRARY_FILE);
     ASSERT_FALSE(image.empty()) << AICAM_LIBRARY_FILE;
     EXPECT_EQ(declared, DefinedDynamicSymbols(image));
