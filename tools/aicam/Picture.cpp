@@ -1,6 +1,7 @@
 #include "Picture.h"
 
 #include <limits.h>
+#include <stddef.h>
 
 #include "ai_camera_ext.h"
 
