@@ -152,28 +152,59 @@ int AICamera::DisconnectCamera()
     return nRet;
 }
 
+namespace {
+// The refusals GetFrame and WaitFrame share, in their order; null when none applies.
+const char* FrameRefusal(const char* imageBuf, int imageSize, const char* verifyBuf, int verifySize)
+{
+    if (!imageBuf)
+        return "imageBuf == nullptr";
+    if (imageSize == 0)
+        return "imageSize == 0";
+    if (!verifyBuf)
+        return "verifyBuf == nullptr";
+    if (verifySize == 0)
+        return "verifySize == 0";
+    return nullptr;
+}
+}  // namespace
+
 int AICamera::GetFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize)
 {
-    int nRet = 0;
-    const char* refusal = nullptr;
-    if (!m_pCameraManager) {
-        refusal = "m_pCameraManager == nullptr";
-        nRet = -1;
-    } else if (!imageBuf) {
-        refusal = "imageBuf == nullptr";
-    } else if (imageSize == 0) {
-        refusal = "imageSize == 0";
-    } else if (!verifyBuf) {
-        refusal = "verifyBuf == nullptr";
-    } else if (verifySize == 0) {
-        refusal = "verifySize == 0";
+    int nRet = -1;
+    const char* refusal = "m_pCameraManager == nullptr";
+    if (m_pCameraManager) {
+        refusal = FrameRefusal(imageBuf, imageSize, verifyBuf, verifySize);
+        nRet = -4;
     }
     if (!refusal)
         return m_pCameraManager->GetFrame(imageBuf, imageSize, verifyBuf, verifySize);
-    if (nRet == 0)
-        nRet = -4;
     TRACE_AT(LOG_LEVER_DEBUG, "[ERROR] %s\n[INPUT ] dev : %p\n[OUTPUT] output invalid\n[RETURN] nRet : %d\n",
              refusal, static_cast<void*>(this), nRet);
+    return nRet;
+}
+
+int AICamera::WaitFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize, int timeoutMs)
+{
+    int nRet = -1;
+    const char* refusal = "m_pCameraManager == nullptr";
+    if (m_pCameraManager) {
+        refusal = FrameRefusal(imageBuf, imageSize, verifyBuf, verifySize);
+        if (!refusal && timeoutMs < 0)
+            refusal = "timeoutMs < 0";
+        nRet = -4;
+    }
+    if (refusal) {
+        TRACE_AT(LOG_LEVER_DEBUG,
+                 "[ERROR] %s\n[INPUT ] dev : %p timeoutMs : %d\n[OUTPUT] output invalid\n[RETURN] nRet : %d\n",
+                 refusal, static_cast<void*>(this), timeoutMs, nRet);
+        return nRet;
+    }
+    // Only the pointer's value is traced after the wait: a DeInit on another
+    // thread may have freed this object meanwhile.
+    const void* self = this;
+    nRet = m_pCameraManager->WaitFrame(imageBuf, imageSize, verifyBuf, verifySize, timeoutMs);
+    TRACE_AT(LOG_LEVER_DEBUG, "[INPUT ] dev : %p timeoutMs : %d\n[OUTPUT] imageSize : %d verifySize : %d\n[RETURN] nRet : %d\n",
+             self, timeoutMs, imageSize, verifySize, nRet);
     return nRet;
 }
 

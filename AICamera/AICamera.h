@@ -44,6 +44,7 @@ public:
     int ConnectCameraPlayback(const char* path);
     int DisconnectCamera();
     int GetFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize);
+    int WaitFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize, int timeoutMs);
     int GetResolution(int* width, int* height);
     int SetResolution(int width, int height);
     // The image report's acknowledgement: sent, not awaited.

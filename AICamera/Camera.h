@@ -15,6 +15,10 @@ public:
     // 0, -11 for no new picture since the last call, -4 for a side-text
     // buffer smaller than the side text.
     virtual int getFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize) = 0;
+    // getFrame once a picture newer than the last one handed out is there,
+    // waiting up to timeoutMs (0: not at all) for it; -11 when none came,
+    // -10 when the stream ends or is closed meanwhile.
+    virtual int waitFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize, int timeoutMs) = 0;
 
     // The pair 720 by 960 is stored as 720 by 480: the module reports its
     // stacked sensor picture that way.

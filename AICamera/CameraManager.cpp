@@ -1,6 +1,9 @@
 #include "CameraManager.h"
 
+#include <algorithm>
+
 #include "FFCamera.h"
+#include "LockableMutex.h"
 
 CameraManager* CameraManager::GetInstance()
 {
@@ -20,10 +23,14 @@ CameraManager::~CameraManager() { StopCamera(); }
 
 void CameraManager::destroy(Camera* camera)
 {
-    if (camera) {
-        camera->closeCamera();
-        delete camera;
-    }
+    if (!camera)
+        return;
+    camera->closeCamera();
+    LockableMutex lock(m_lock);
+    std::unique_lock<LockableMutex> hold(lock);
+    m_waiterLeft.wait(hold, [&] { return std::find(m_waiting.begin(), m_waiting.end(), camera) == m_waiting.end(); });
+    hold.unlock();
+    delete camera;
 }
 
 Camera* CameraManager::detachLocked()
@@ -95,6 +102,25 @@ int CameraManager::GetFrame(char* imageBuf, int imageSize, char* verifyBuf, int 
 {
     m_lock.Lock();
     int result = m_pCamera ? m_pCamera->getFrame(imageBuf, imageSize, verifyBuf, verifySize) : -1;
+    m_lock.Unlock();
+    return result;
+}
+
+int CameraManager::WaitFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize, int timeoutMs)
+{
+    m_lock.Lock();
+    Camera* camera = m_pCamera;
+    if (camera)
+        m_waiting.push_back(camera);
+    m_lock.Unlock();
+    if (!camera)
+        return -1;
+    // The wait holds no manager lock: a stop meanwhile closes the camera, which
+    // ends the wait, and frees it only after this call has left it.
+    int result = camera->waitFrame(imageBuf, imageSize, verifyBuf, verifySize, timeoutMs);
+    m_lock.Lock();
+    m_waiting.erase(std::find(m_waiting.begin(), m_waiting.end(), camera));
+    m_waiterLeft.notify_all();
     m_lock.Unlock();
     return result;
 }

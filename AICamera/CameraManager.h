@@ -2,7 +2,9 @@
 #ifndef AICAMERA_CAMERAMANAGER_H
 #define AICAMERA_CAMERAMANAGER_H
 
+#include <condition_variable>
 #include <functional>
+#include <vector>
 
 #include "../OS/OS_Mutex.h"
 
@@ -27,6 +29,9 @@ public:
     int StopCamera();
     // -1 with no camera, else the camera's own result.
     int GetFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize);
+    // -1 with no camera, else the camera's waitFrame result: -10 also when the
+    // camera is stopped or replaced during the wait, which then ends at once.
+    int WaitFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize, int timeoutMs);
     int GetResolution(int* width, int* height);
     int SetResolution(int width, int height);
 
@@ -37,7 +42,9 @@ private:
     int start(const std::function<int(FFCamera*)>& open);
     // Detaches the current camera and cancels an open in progress; the caller closes what it got.
     Camera* detachLocked();
-    static void destroy(Camera* camera);
+    // Closes a detached camera, which wakes its waiters, and frees it once
+    // the last of them has left it.
+    void destroy(Camera* camera);
 
     Camera* m_pCamera;
     // The camera being opened, or null; never used by GetFrame and the like.
@@ -47,6 +54,10 @@ private:
     OS_Mutex m_lock;
     // One open at a time; only opens wait for it.
     OS_Mutex m_startLock;
+    // The camera of each WaitFrame in progress, once per call; guarded by m_lock.
+    std::vector<Camera*> m_waiting;
+    // Signalled under m_lock when a WaitFrame leaves its camera.
+    std::condition_variable_any m_waiterLeft;
 };
 
 #endif

@@ -6,6 +6,8 @@
 #include <string.h>
 #include <unistd.h>
 
+#include <chrono>
+
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
@@ -16,6 +18,8 @@ extern "C" {
 
 #define TRACE_FILE "FFCamera"
 #include "Trace.h"
+
+#include "LockableMutex.h"
 
 namespace {
 const int kFailedReadSleepMs = 10;
@@ -30,6 +34,12 @@ int LastBracePlusOne(const char* text, int length)
             return i;
     }
     return 0;
+}
+
+// A positive size needs its buffer; a size of 0 or below copies nothing.
+bool MissingBuffer(const char* imageBuf, int imageSize, const char* verifyBuf, int verifySize)
+{
+    return (imageSize > 0 && !imageBuf) || (verifySize > 0 && !verifyBuf);
 }
 }  // namespace
 
@@ -72,6 +82,7 @@ void FFCamera::closeCamera()
     m_bRunning = false;
     m_bStop = true;
     m_input.Wake();
+    wakeWaiters();
     OS_Thread::Join(this);
     m_openLock.Lock();
     avformat_close_input(&m_pFormatCtx);
@@ -97,6 +108,7 @@ int FFCamera::Routine()
         if (readAndSendPacket() != 0) {
             if (m_bGone) {
                 TRACE_AT(LOG_LEVER_ERROR, "camera gone, capture stopped : %s\n", m_szError);
+                wakeWaiters();
                 break;
             }
             OS_Thread::MSleep(kFailedReadSleepMs);
@@ -193,6 +205,7 @@ void FFCamera::convertFrame()
             int strides[4] = {width * 4, 0, 0, 0};
             sws_scale(m_pSwsCtx, m_pFrame->data, m_pFrame->linesize, 0, height, planes, strides);
             m_bImageReady = true;
+            m_frameChanged.notify_all();
         }
         sws_freeContext(m_pSwsCtx);
         m_pSwsCtx = nullptr;
@@ -228,19 +241,46 @@ void FFCamera::publishSideText()
     m_nSideTextLen = LastBracePlusOne(m_szSideText, m_nPacketTextLen);
 }
 
+// Taking the frame lock between the flag's store and the signal means that
+// a waiter either sees the flag or is already waiting when the signal comes.
+void FFCamera::wakeWaiters()
+{
+    m_frameLock.Lock();
+    m_frameChanged.notify_all();
+    m_frameLock.Unlock();
+}
+
 int FFCamera::getFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize)
 {
-    if ((imageSize > 0 && !imageBuf) || (verifySize > 0 && !verifyBuf))
+    if (MissingBuffer(imageBuf, imageSize, verifyBuf, verifySize))
         return -4;
     if (m_bGone)
         return -10;
     m_frameLock.Lock();
+    int result = copyFrameLocked(imageBuf, imageSize, verifyBuf, verifySize);
+    m_frameLock.Unlock();
+    return result;
+}
+
+int FFCamera::waitFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize, int timeoutMs)
+{
+    if (MissingBuffer(imageBuf, imageSize, verifyBuf, verifySize) || timeoutMs < 0)
+        return -4;
+    LockableMutex frameLock(m_frameLock);
+    std::unique_lock<LockableMutex> hold(frameLock);
+    m_frameChanged.wait_for(hold, std::chrono::milliseconds(timeoutMs),
+                            [this] { return m_bImageReady || m_bGone || m_bStop; });
+    if (m_bGone || m_bStop)
+        return -10;
+    return copyFrameLocked(imageBuf, imageSize, verifyBuf, verifySize);
+}
+
+int FFCamera::copyFrameLocked(char* imageBuf, int imageSize, char* verifyBuf, int verifySize)
+{
     int result = 0;
     if (imageSize > 0) {
-        if (!m_bImageReady || !m_pImage) {
-            m_frameLock.Unlock();
+        if (!m_bImageReady || !m_pImage)
             return -11;
-        }
         memcpy(imageBuf, m_pImage, static_cast<size_t>(imageSize < m_nImageCapacity ? imageSize : m_nImageCapacity));
         if (m_bResolutionChanged) {
             m_bResolutionChanged = 0;
@@ -261,6 +301,5 @@ int FFCamera::getFrame(char* imageBuf, int imageSize, char* verifyBuf, int verif
         m_bImageReady = false;
         m_bSideTextReady = false;
     }
-    m_frameLock.Unlock();
     return result;
 }

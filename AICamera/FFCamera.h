@@ -4,6 +4,7 @@
 #define AICAMERA_FFCAMERA_H
 
 #include <atomic>
+#include <condition_variable>
 
 #include "../OS/OS_Mutex.h"
 #include "../OS/OS_Thread.h"
@@ -44,6 +45,8 @@ public:
     void closeCamera() override;
     // Also -10 once the camera has gone (unplugged): no picture will come again.
     int getFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize) override;
+    // Woken by each converted picture, by the camera going and by closeCamera.
+    int waitFrame(char* imageBuf, int imageSize, char* verifyBuf, int verifySize, int timeoutMs) override;
 
     int Routine() override;
 
@@ -63,6 +66,8 @@ private:
     void convertFrame();
     bool ensureImageBuffer(long long needed);
     void publishSideText();
+    int copyFrameLocked(char* imageBuf, int imageSize, char* verifyBuf, int verifySize);
+    void wakeWaiters();
     bool deviceGone(int readError) const;
     static int interrupted(void* self);
     static int interruptedProbe(void* self);
@@ -84,6 +89,8 @@ private:
     int m_nPacketTextLen;
     bool m_bImageReady;
     bool m_bSideTextReady;
+    // Signalled under the frame lock whenever a waiter's condition may have changed.
+    std::condition_variable_any m_frameChanged;
     std::atomic<bool> m_bRunning;
     std::atomic<bool> m_bStop;
     std::atomic<bool> m_bCancelled;

@@ -199,6 +199,11 @@ int GetFrame(void* dev, char* imageBuf, int imageSize, char* verifyBuf, int veri
     return FORWARD(GetFrame, imageBuf, imageSize, verifyBuf, verifySize);
 }
 
+int WaitFrame(void* dev, char* imageBuf, int imageSize, char* verifyBuf, int verifySize, int timeoutMs)
+{
+    return FORWARD(WaitFrame, imageBuf, imageSize, verifyBuf, verifySize, timeoutMs);
+}
+
 int GetResolution(void* dev, int* width, int* height)
 {
     return Forward(dev, __func__, __LINE__, static_cast<int (AICamera::*)(int*, int*)>(&AICamera::GetResolution),

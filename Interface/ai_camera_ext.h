@@ -24,6 +24,23 @@ extern "C" {
    file, a directory, nothing in it decodes as MJPEG, or no picture within 5 s). */
 AI_CAMERA_API int ConnectCameraPlayback(void* dev, const char* path);
 
+/* Waiting for a frame. */
+
+/* GetFrame that waits: copies a picture newer than the last one that GetFrame or
+   WaitFrame handed out, waiting up to timeoutMs milliseconds for it to be decoded,
+   and returns as soon as it is (woken by the capture thread, without polling).
+   timeoutMs 0 does not wait and behaves as GetFrame. The buffers follow GetFrame's
+   rules: imageSize bytes of BGRA are copied (make it width x height x 4, from
+   GetResolution), and the side text into verifyBuf, which must hold it.
+   0; -1 null dev or no camera connected; -4 null buffer, zero size, a verifySize
+   smaller than the side text, or timeoutMs below 0; -10 the stream is gone: the
+   camera was unplugged, or DisconnectCamera, DeInit or another ConnectCamera on any
+   thread stopped it during the wait, which then ends at once; -11 no new picture
+   within timeoutMs. After a DeInit has woken it, the call touches nothing of the
+   freed handle. */
+AI_CAMERA_API int WaitFrame(void* dev, char* imageBuf, int imageSize, char* verifyBuf, int verifySize,
+                            int timeoutMs);
+
 /* One attached module: a USB device with both a CDC-ACM serial node and a UVC
    video capture node. Every text is zero-terminated; one too long for its field
    is cut. */

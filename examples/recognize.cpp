@@ -1,6 +1,6 @@
 // recognize: runs one-to-many recognition for a few seconds, counting the
 // module's reports (delivered to callbacks) and the video frames (taken with
-// GetFrame), then pauses recognition.
+// WaitFrame), then pauses recognition.
 //   recognize /dev/ttyACM0 /dev/video0 5
 //   recognize /dev/ttyACM0 recording.mjpeg 5     (a recorded stream, played back)
 #include <stdio.h>
@@ -11,7 +11,6 @@
 #include <chrono>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <ai_camera.h>
@@ -73,14 +72,17 @@ int main(int argc, char** argv)
     char sideText[1024];
     int frames = 0;
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-    while (std::chrono::steady_clock::now() < end) {
-        if (GetResolution(dev, &width, &height) == 0 && width > 0 && height > 0) {
-            picture.resize(static_cast<size_t>(width) * height * 4);
-            // -11: no new picture yet; each one is handed out once.
-            if (GetFrame(dev, picture.data(), static_cast<int>(picture.size()), sideText, sizeof sideText) == 0)
-                ++frames;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    for (auto now = std::chrono::steady_clock::now(); now < end; now = std::chrono::steady_clock::now()) {
+        const int leftMs = static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(end - now).count());
+        if (GetResolution(dev, &width, &height) != 0 || width <= 0 || height <= 0)
+            break;
+        picture.resize(static_cast<size_t>(width) * height * 4);
+        // Sleeps until the capture thread has the next picture; -11: none came in time.
+        const int got = WaitFrame(dev, picture.data(), static_cast<int>(picture.size()), sideText, sizeof sideText, leftMs);
+        if (got == 0)
+            ++frames;
+        else if (got != -11)
+            break;
     }
 
     // The callbacks stay registered until DeInit stops the listener thread.

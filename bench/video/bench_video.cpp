@@ -1,7 +1,10 @@
 // Throughput of the capture path (MJPEG decode and BGRA conversion on the
 // capture thread) next to the ffmpeg tool on the same 1280x720 clip, and the
 // cost of GetFrame's copy next to a bare memcpy of the same bytes, both beside the
-// running capture thread and on an idle machine.
+// running capture thread and on an idle machine; and how soon a waiting
+// WaitFrame returns once a picture has been converted, next to a GetFrame loop
+// that polls at the 10 ms interval applications used, both against a GetFrame
+// loop that never sleeps (which sees each picture the moment it is converted).
 //
 // Usage: bench_video [frames]   (run from a scratch directory; writes bench_clip.mjpeg)
 #include <stdio.h>
@@ -14,8 +17,12 @@
 #include <pthread.h>
 #include <sched.h>
 #include <unistd.h>
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <fstream>
+#include <functional>
+#include <iterator>
 #include <chrono>
 #include <string>
 #include <thread>
@@ -189,6 +196,59 @@ CopyTimes GetFrameCopySeconds(int samples)
     return {Median(getFrame), Median(bare)};
 }
 
+// One picture of the clip, to be fed to a live FIFO.
+std::vector<char> OnePicture()
+{
+    MakeClip(1);
+    std::ifstream in(kClip, std::ios::binary);
+    return std::vector<char>(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+// The median time from writing one picture into a FIFO that the camera plays
+// to `take` returning with it on a thread that was already waiting for it;
+// `take` gives 0 once it has the picture.
+double HandOutSeconds(const std::vector<char>& picture, int samples, const std::function<int(char*)>& take)
+{
+    const char* const fifo = "bench_live.fifo";
+    unlink(fifo);
+    mkfifo(fifo, 0600);
+    const int writer = open(fifo, O_RDWR | O_CLOEXEC);
+    auto feed = [&] {
+        for (size_t at = 0; at < picture.size();) {
+            ssize_t put = write(writer, picture.data() + at, picture.size() - at);
+            if (put <= 0)
+                exit(1);
+            at += static_cast<size_t>(put);
+        }
+    };
+    CameraManager* manager = CameraManager::GetInstance();
+    std::vector<char> image(kFrameBytes);
+    feed();
+    if (manager->StartPlayback(fifo, 30) != 0 || manager->WaitFrame(image.data(), kFrameBytes, nullptr, 0, 5000) != 0) {
+        fprintf(stderr, "live FIFO playback failed\n");
+        exit(1);
+    }
+    std::vector<double> times;
+    for (int i = 0; i < samples; ++i) {
+        double returned = 0;
+        std::thread taker([&] {
+            while (take(image.data()) != 0) {
+            }
+            returned = Now();
+        });
+        // Spread over a whole polling interval, so that the polling loop's phase is not always the same.
+        std::this_thread::sleep_for(std::chrono::milliseconds(30 + i % 10));
+        const double written = Now();
+        feed();
+        taker.join();
+        times.push_back(returned - written);
+    }
+    manager->StopCamera();
+    close(writer);
+    unlink(fifo);
+    return Median(times);
+}
+
 // Runs fn on another core than the caller's, as the capture thread runs beside
 // the application's thread.
 void PinTo(int core)
@@ -259,6 +319,27 @@ double MemcpySeconds(int samples, bool convertedElsewhere)
 int main(int argc, char** argv)
 {
     const int frames = argc > 1 ? atoi(argv[1]) : 300;
+    CameraManager* manager = CameraManager::GetInstance();
+    const std::vector<char> picture = OnePicture();
+    const double waited = HandOutSeconds(picture, 40, [&](char* image) {
+        return manager->WaitFrame(image, kFrameBytes, nullptr, 0, 5000);
+    });
+    const double polled = HandOutSeconds(picture, 40, [&](char* image) {
+        int result = manager->GetFrame(image, kFrameBytes, nullptr, 0);
+        if (result == -11)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        return result;
+    });
+    const double spun = HandOutSeconds(picture, 40, [&](char* image) {
+        return manager->GetFrame(image, kFrameBytes, nullptr, 0);
+    });
+    printf("picture written into a live FIFO to the call returning with it, %dx%d (median of 40):\n", kWidth, kHeight);
+    printf("  GetFrame never sleeping (sees the picture as it is converted): %.3f ms\n", spun * 1e3);
+    printf("  WaitFrame                                                  : %.3f ms\n", waited * 1e3);
+    printf("  GetFrame polling every 10 ms                               : %.3f ms\n", polled * 1e3);
+    printf("conversion to return: WaitFrame %.3f ms, 10 ms polling %.3f ms (each minus the never-sleeping loop)\n",
+           (waited - spun) * 1e3, (polled - spun) * 1e3);
+    printf("hand-out latency ratio (WaitFrame / 10 ms polling): %.3f\n", waited / polled);
     MakeClip(frames);
     Run ours = {1e9, 1e9}, tool = {1e9, 1e9};
     // Best of three, interleaved, so that both see the same machine state.

@@ -80,7 +80,7 @@ TEST(ExportedSymbols, OnlyTheFunctionsOfTheHeadersAreExported)
                                      "SetLogDirectory", "RegisterRecoReportCbEx", "RegisterTrackReportCbEx",
                                      "RegisterImageReportCbEx", "RegisterFeatureReportCbEx",
                                      "RegisterQRCodeReportCbEx", "RegisterLinkStateCb", "GetLinkStats",
-                                     "UpgradeFirmware", "UpgradeFirmwareFromFile"}),
+                                     "UpgradeFirmware", "UpgradeFirmwareFromFile", "WaitFrame"}),
               extension);
     EXPECT_EQ(78u, declared.size());
     declared.insert(extension.begin(), extension.end());

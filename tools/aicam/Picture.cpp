@@ -1,39 +1,27 @@
 #include "Picture.h"
 
-#include <time.h>
+#include <limits.h>
+#include <stddef.h>
 
-#include "ai_camera.h"
+#include "ai_camera_ext.h"
 
 namespace {
 const int kSideTextSize = 1024;
-const long kPollMs = 10;
 const int kMaxSide = 16384;
-
-void SleepMs(long ms)
-{
-    timespec pause = {ms / 1000, (ms % 1000) * 1000000};
-    nanosleep(&pause, nullptr);
-}
 }  // namespace
 
 Picture::Picture() : sideText(kSideTextSize + 1, 0) {}
 
 int TakePicture(void* dev, long timeoutS, Picture& picture)
 {
-    int result = -11;
-    for (long waited = 0; waited <= timeoutS * 1000; waited += kPollMs) {
-        result = GetResolution(dev, &picture.width, &picture.height);
-        if (result != 0)
-            return result;
-        if (picture.width > 0 && picture.height > 0 && picture.width <= kMaxSide && picture.height <= kMaxSide) {
-            const size_t size = static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height) * 4;
-            picture.bgra.resize(size);
-            result = GetFrame(dev, reinterpret_cast<char*>(picture.bgra.data()), static_cast<int>(size),
-                              picture.sideText.data(), kSideTextSize);
-            if (result != -11)
-                return result;
-        }
-        SleepMs(kPollMs);
-    }
-    return result;
+    // A connected camera has decoded its first picture, so its size is known.
+    int result = GetResolution(dev, &picture.width, &picture.height);
+    if (result != 0)
+        return result;
+    if (picture.width <= 0 || picture.height <= 0 || picture.width > kMaxSide || picture.height > kMaxSide)
+        return -11;
+    picture.bgra.resize(static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height) * 4);
+    const long long timeoutMs = timeoutS > 0 ? static_cast<long long>(timeoutS) * 1000 : 0;
+    return WaitFrame(dev, reinterpret_cast<char*>(picture.bgra.data()), static_cast<int>(picture.bgra.size()),
+                     picture.sideText.data(), kSideTextSize, static_cast<int>(timeoutMs < INT_MAX ? timeoutMs : INT_MAX));
 }

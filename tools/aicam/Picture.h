@@ -11,9 +11,8 @@ struct Picture {
     Picture();
 };
 
-// Asks for a picture every few milliseconds for up to timeoutS seconds: the
-// library hands each picture out once and has no way to wait for the next.
-// 0, -11 when none arrived, or the library's failure.
+// Waits up to timeoutS seconds for a picture newer than the last one handed
+// out. 0, -11 when none arrived, or the library's failure.
 int TakePicture(void* dev, long timeoutS, Picture& picture);
 
 #endif
