@@ -162,7 +162,7 @@ Run FfmpegTool()
 double Median(std::vector<double> v)
 {
     std::sort(v.begin(), v.end());
-    return v[v.size() / 2];
+    return v.empty() ? 0.0 : v[v.size() / 2];
 }
 
 struct CopyTimes {
@@ -179,7 +179,9 @@ CopyTimes GetFrameCopySeconds(int samples)
     manager->StartPlayback(kClip, 100);
     std::vector<char> image(kFrameBytes), copy(kFrameBytes);
     std::vector<double> getFrame, bare;
-    while (static_cast<int>(getFrame.size()) < samples) {
+    // A short clip may end before enough pictures were taken: then fewer samples.
+    double lastPicture = Now();
+    while (static_cast<int>(getFrame.size()) < samples && Now() - lastPicture < 2.0) {
         double t0 = Now();
         int result = manager->GetFrame(image.data(), kFrameBytes, nullptr, 0);
         double t1 = Now();
@@ -187,6 +189,7 @@ CopyTimes GetFrameCopySeconds(int samples)
             std::this_thread::sleep_for(std::chrono::microseconds(500));
             continue;
         }
+        lastPicture = t1;
         memcpy(copy.data(), image.data(), image.size());
         double t2 = Now();
         getFrame.push_back(t1 - t0);
