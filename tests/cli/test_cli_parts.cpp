@@ -8,23 +8,87 @@
 #include <vector>
 
 #include "Arguments.h"
+#include "CommandLine.h"
 #include "FileData.h"
 #include "ModuleSelection.h"
 #include "ResultText.h"
 
-TEST(CommandLine, OptionsAreTakenWhereverTheyStandInBothForms)
+namespace {
+// Parses a command line given as words after "aicam".
+ParsedCommandLine Parse(std::vector<std::string> words)
 {
-    Arguments args({"alice", "--slice", "512", "photo.jpg", "--md5=abc", "--all"});
-    std::string md5, id, file;
+    words.insert(words.begin(), "aicam");
+    std::vector<char*> argv;
+    for (std::string& word : words)
+        argv.push_back(&word[0]);
+    argv.push_back(nullptr);
+    return ParseCommandLine(static_cast<int>(words.size()), argv.data());
+}
+
+const OptionList kNoOptions;
+}  // namespace
+
+TEST(CommandLine, OptionsTakeTheirValueInBothFormsAndStandAnywhere)
+{
+    const ParsedCommandLine line =
+        Parse({"faces", "--port=/dev/a", "add-image", "alice", "--slice", "512", "photo.jpg", "-q", "--md5=abc"});
+    EXPECT_EQ("", line.error);
+    EXPECT_EQ((std::vector<std::string>{"faces", "add-image", "alice", "photo.jpg"}), line.words);
+    EXPECT_EQ((OptionList{{"--port", "/dev/a"}, {"--slice", "512"}, {"--quiet", ""}, {"--md5", "abc"}}), line.options);
+
+    // A value that looks like an option is still the value; "--" ends the options.
+    const ParsedCommandLine dashes = Parse({"ping", "--port", "--odd", "--", "--text"});
+    EXPECT_EQ("", dashes.error);
+    EXPECT_EQ((OptionList{{"--port", "--odd"}}), dashes.options);
+    EXPECT_EQ((std::vector<std::string>{"ping", "--text"}), dashes.words);
+
+    // A unique abbreviation is the option; -h is --help.
+    EXPECT_EQ((OptionList{{"--playback", "x"}, {"--help", ""}}), Parse({"--playb", "x", "-h"}).options);
+}
+
+TEST(CommandLine, WaitTakesANumberThatFollowsOrNone)
+{
+    EXPECT_EQ((OptionList{{"--wait", "5"}}), Parse({"reboot", "--wait", "5"}).options);
+    EXPECT_EQ((OptionList{{"--wait", "7"}}), Parse({"reboot", "--wait=7", "3"}).options);
+    const ParsedCommandLine bare = Parse({"reboot", "--wait", "now"});
+    EXPECT_EQ((OptionList{{"--wait", ""}}), bare.options);
+    EXPECT_EQ((std::vector<std::string>{"reboot", "now"}), bare.words);
+    EXPECT_EQ((OptionList{{"--wait", ""}}), Parse({"reboot", "--wait"}).options);
+}
+
+TEST(CommandLine, MistakesAreNamed)
+{
+    EXPECT_EQ("--port needs a value", Parse({"ping", "--port"}).error);
+    EXPECT_EQ("unknown option '--frobnicate'", Parse({"--frobnicate", "ping"}).error);
+    EXPECT_EQ("unknown option '-x'", Parse({"ping", "-x"}).error);
+    EXPECT_EQ("--json takes no value", Parse({"list", "--json=yes"}).error);
+    EXPECT_EQ("'--s' is ambiguous", Parse({"info", "--s", "1"}).error);
+    // The same process parses again from the start.
+    EXPECT_EQ("", Parse({"ping"}).error);
+}
+
+TEST(CommandLine, ACommandTakesItsOptionsAndRefusesTheRest)
+{
+    OptionList options = {{"--port", "/dev/a"}, {"--json", ""}, {"--slice", "1"}, {"--slice", "9"}};
+    const OptionList globals = TakeOptions(options, {"port", "quiet"});
+    EXPECT_EQ((OptionList{{"--port", "/dev/a"}}), globals);
+
+    Arguments args({"alice"}, options);
     long slice = 0;
-    EXPECT_TRUE(args.Flag("--all"));
+    EXPECT_TRUE(args.Number("--slice", 1, 8192, slice));
+    EXPECT_EQ(9, slice);  // the last one given
     EXPECT_FALSE(args.Flag("--all"));
-    EXPECT_TRUE(args.Number("--slice", 1, 8192, slice) && slice == 512);
-    EXPECT_TRUE(args.Option("--md5", md5) && md5 == "abc");
-    EXPECT_TRUE(args.Next("ID", id) && args.Next("FILE", file));
-    EXPECT_EQ("alice", id);
-    EXPECT_EQ("photo.jpg", file);
-    EXPECT_EQ(0, args.Finish("faces add-image"));
+    std::string id;
+    EXPECT_TRUE(args.Next("ID", id));
+    EXPECT_EQ(kUsage, args.Finish("faces add"));  // --json is not taken
+
+    Arguments extra({"a", "b"}, kNoOptions);
+    std::string text;
+    EXPECT_TRUE(extra.Next("TEXT", text));
+    EXPECT_EQ(kUsage, extra.Finish("ping"));
+    Arguments clean({}, {{"--json", ""}});
+    EXPECT_TRUE(clean.Flag("--json"));
+    EXPECT_EQ(0, clean.Finish("list"));
 }
 
 TEST(CommandLine, NumbersMustBeWholeAndInRange)
@@ -37,15 +101,32 @@ TEST(CommandLine, NumbersMustBeWholeAndInRange)
     EXPECT_EQ(-3, value);
 }
 
-TEST(ResultCodes, EveryCodeHasASentence)
+TEST(ResultCodes, EveryCodeHasASentenceAndTheExitStatusesDoNotCollide)
 {
-    EXPECT_EQ("module status 50", ResultText(50));
+    EXPECT_EQ("the module refused", ResultText(50));
     EXPECT_EQ("unknown result code", ResultText(-99));
-    for (int code : {-1, -2, -4, -5, -6, -7, -8, -9, -10, -11, -20, -21, -22}) {
+    for (int code : {-1, -2, -4, -5, -6, -7, -8, -9, -10, -11, -12, -13, -14, -20, -21, -22, -23, -24, -25}) {
         EXPECT_NE("unknown result code", ResultText(code)) << code;
         EXPECT_NE(std::string::npos, ExitStatusHelp().find(ResultText(code))) << code;
-        EXPECT_EQ(-code, ExitStatus(code));
+        EXPECT_EQ(kExitFailure, ExitStatus(code)) << code;
     }
+    EXPECT_EQ(kExitSuccess, ExitStatus(0));
+    EXPECT_EQ(kExitUsage, ExitStatus(kUsage));
+    // A module status of 6 and the library's -6 no longer meet.
+    for (int status : {1, 6, 255})
+        EXPECT_EQ(kExitRefused, ExitStatus(status)) << status;
+}
+
+TEST(ResultCodes, AFailureIsOneLineWithOnePrefix)
+{
+    testing::internal::CaptureStderr();
+    Fail("ping", -6);
+    Fail("", kUsage, "unknown option '--x'; see 'aicam --help'");
+    Fail("faces query", 3, "carol is not enrolled");
+    EXPECT_EQ("aicam: ping: " + ResultText(-6) + " (-6)\n"
+              "aicam: unknown option '--x'; see 'aicam --help'\n"
+              "aicam: faces query: carol is not enrolled (module status 3)\n",
+              testing::internal::GetCapturedStderr());
 }
 
 TEST(Slicing, SlicesCoverThePayloadInOrderAndTheFirstFailureStops)

@@ -34,10 +34,10 @@ expect_setting "no-flicker 1" "frequency code 1, off"
 t 0 "" settings get frame-rate
 [ "$(setting frame-rate)" = 15 ] && [ "$(grep -c '' <<<"$OUT")" -eq 1 ] || fail "get of one setting prints it alone"
 
-t 4 "RECOGNITION must be a whole number from 1 to 10, not '0'" config set counts 0 3
-t 4 "10..25 must be a whole number from 10 to 25, not '30'" settings set frame-rate 30
-t 4 "" settings set upload open 1 0
-t 4 "'luminous-threshold' can be read but not set" settings set luminous-threshold 3
-t 4 "" settings get rotate
-t 4 "no setting called 'brightness'" settings set brightness 3
+t 2 "RECOGNITION must be a whole number from 1 to 10, not '0'" config set counts 0 3
+t 2 "10..25 must be a whole number from 10 to 25, not '30'" settings set frame-rate 30
+t 2 "" settings set upload open 1 0
+t 2 "'luminous-threshold' can be read but not set" settings set luminous-threshold 3
+t 2 "" settings get rotate
+t 2 "no setting called 'brightness'" settings set brightness 3
 finish

@@ -26,7 +26,7 @@ read -r r g b < <(od -An -tu1 -j $(((${y:?no face box} + h / 2) * 320 * 3 + (x +
 stop_sim
 [ ! -e "$VIDEO" ] || fail "aicam-sim left its FIFO behind"
 run "$AICAM" --playback "$SCRATCH/nothing.mjpeg" snapshot "$SCRATCH/none.png"
-expect_rc 10 "a missing recording:"
+expect_rc 1 "a missing recording:"
 expect_one_error_line "the video stream could not be opened or is gone: $SCRATCH/nothing.mjpeg (-10)"
 [ ! -e "$SCRATCH/none.png" ] || fail "no PNG without a picture"
 finish

@@ -20,7 +20,10 @@ bool ParseNumber(const std::string& text, long low, long high, long& value)
     return true;
 }
 
-Arguments::Arguments(std::vector<std::string> words) : m_words(std::move(words)) {}
+Arguments::Arguments(std::vector<std::string> words, OptionList options)
+    : m_words(std::move(words)), m_options(std::move(options))
+{
+}
 
 void Arguments::Error(const std::string& text)
 {
@@ -36,36 +39,17 @@ bool Arguments::Invalid(const std::string& text)
 
 bool Arguments::Flag(const char* name)
 {
-    for (auto word = m_words.begin(); word != m_words.end(); ++word) {
-        if (*word == name) {
-            m_words.erase(word);
-            return true;
-        }
-    }
-    return false;
+    std::string ignored;
+    return Option(name, ignored);
 }
 
 bool Arguments::Option(const char* name, std::string& value)
 {
-    const std::string prefix = std::string(name) + "=";
-    for (size_t i = 0; i < m_words.size(); ++i) {
-        if (m_words[i].compare(0, prefix.size(), prefix) == 0) {
-            value = m_words[i].substr(prefix.size());
-            m_words.erase(m_words.begin() + i);
-            return true;
-        }
-        if (m_words[i] != name)
-            continue;
-        if (i + 1 >= m_words.size()) {
-            Error(std::string(name) + " needs a value");
-            m_words.erase(m_words.begin() + i);
-            return false;
-        }
-        value = m_words[i + 1];
-        m_words.erase(m_words.begin() + i, m_words.begin() + i + 2);
-        return true;
-    }
-    return false;
+    OptionList named = TakeOptions(m_options, {std::string(name).substr(2)});
+    if (named.empty())
+        return false;
+    value = named.back().second;
+    return true;
 }
 
 bool Arguments::Number(const char* name, long low, long high, long& value)
@@ -84,11 +68,9 @@ bool Arguments::ToNumber(const std::string& what, const std::string& text, long 
 
 bool Arguments::Next(const char* what, std::string& word)
 {
-    for (auto next = m_words.begin(); next != m_words.end(); ++next) {
-        if (next->size() > 1 && (*next)[0] == '-' && (*next)[1] == '-')
-            continue;  // an option this command does not know; Finish reports it
-        word = *next;
-        m_words.erase(next);
+    if (!m_words.empty()) {
+        word = m_words.front();
+        m_words.erase(m_words.begin());
         return true;
     }
     Error(std::string("missing ") + what);
@@ -103,9 +85,11 @@ bool Arguments::NextNumber(const char* what, long low, long high, long& value)
 
 int Arguments::Finish(const std::string& command)
 {
-    if (m_error.empty() && !m_words.empty())
+    if (!m_options.empty())
+        Error(m_options.front().first + " is not an option of 'aicam " + command + "'");
+    if (!m_words.empty())
         Error("unexpected '" + m_words.front() + "'");
     if (m_error.empty())
         return 0;
-    return Fail(command, -4, m_error + "; see 'aicam " + command + " --help'");
+    return Fail(command, kUsage, m_error + "; see 'aicam " + command + " --help'");
 }

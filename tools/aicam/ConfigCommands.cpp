@@ -58,7 +58,7 @@ int GetTemplate(Session& session, const std::string& command)
     unsigned char update = 0;
     if (int result = GetTemplateUpdate(session.Dev(), &update))
         return Fail(command, result);
-    PrintSetting("template-update", update ? "on" : "off");
+    PrintSetting("template-update", update ? "on" : "off", update ? "true" : "false");
     return 0;
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "JsonWriter.h"
 #include "ModuleChoice.h"
 #include "MonotonicClock.h"
 #include "NodeAccess.h"
@@ -21,21 +22,42 @@ namespace {
 const long kFrameTimeoutS = 10;
 const char kPingText[] = "aicam doctor";
 
+// Each check prints a line as it ends (under --json an object: check,
+// result "ok", "fail" or "skip", detail, and fix for a failure).
 class Checks {
 public:
-    void Pass(const char* check, const std::string& detail) { printf("[ ok ] %s: %s\n", check, detail.c_str()); }
+    explicit Checks(bool json) : m_json(json) {}
+    void Pass(const char* check, const std::string& detail) { Print(check, "ok", detail, ""); }
     void Failure(const char* check, const std::string& detail, const std::string& fix)
     {
-        printf("[FAIL] %s: %s\n       fix: %s\n", check, detail.c_str(), fix.c_str());
+        Print(check, "fail", detail, fix);
         ++m_failures;
     }
-    void Skip(const char* check, const std::string& why) { printf("[skip] %s: %s\n", check, why.c_str()); }
+    void Skip(const char* check, const std::string& why) { Print(check, "skip", why, ""); }
     int Result(const std::string& command) const
     {
         return m_failures ? Fail(command, kDoctorFound, std::to_string(m_failures) + " check(s) failed") : 0;
     }
 
 private:
+    void Print(const char* check, const char* result, const std::string& detail, const std::string& fix) const
+    {
+        if (m_json) {
+            JsonObject object;
+            object.String("check", check).String("result", result).String("detail", detail);
+            if (!fix.empty())
+                object.String("fix", fix);
+            object.PrintLine();
+            return;
+        }
+        const std::string tag = std::string(result) == "ok" ? "[ ok ]" : std::string(result) == "fail" ? "[FAIL]" : "[skip]";
+        printf("%s %s: %s\n", tag.c_str(), check, detail.c_str());
+        if (!fix.empty())
+            printf("       fix: %s\n", fix.c_str());
+        fflush(stdout);
+    }
+
+    bool m_json;
     int m_failures = 0;
 };
 
@@ -212,9 +234,9 @@ void CheckLibrary(Checks& checks)
 
 int RunDoctor(Session& session, Arguments& args, const std::string& command)
 {
+    Checks checks(args.Flag("--json"));
     if (int result = args.Finish(command))
         return result;
-    Checks checks;
     std::string serial, video;
     if (CheckModule(checks, session.Options(), serial, video)) {
         CheckNodes(checks, session.Options(), serial, video);
@@ -238,14 +260,15 @@ int RunDoctor(Session& session, Arguments& args, const std::string& command)
 
 const Verb kDoctorVerb = {
     "doctor",
-    "doctor",
+    "doctor [--json]",
     "check the module, its nodes, permissions and users, with a fix for each problem",
     "Checks in order: a module is attached (with --usb-id, with those ids);\n"
     "its serial and video nodes exist and are one module's; this user may open\n"
     "both; no other program holds them; ModemManager leaves the serial port\n"
     "alone; the module answers a ping; the camera gives a picture with its side\n"
     "text; and prints the library's version. --port, --video and --module\n"
-    "choose the nodes as for the other commands.\n",
+    "choose the nodes as for the other commands. --json prints one object per\n"
+    "check: check, result (ok, fail or skip), detail, and fix for a failure.\n",
     RunDoctor,
     nullptr,
 };

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "FileData.h"
+#include "JsonWriter.h"
 #include "ResultText.h"
 #include "Session.h"
 #include "Verb.h"
@@ -86,7 +87,7 @@ int RunAddFeature(Session& session, Arguments& args, const std::string& command)
     std::string feature(data.begin(), data.end());
     feature.erase(feature.find_last_not_of(" \t\r\n") + 1);
     if (feature.size() != kFeatureLength || strlen(feature.c_str()) != kFeatureLength)
-        return Fail(command, -4,
+        return Fail(command, kUsage,
                     "a feature is 1384 characters; " + path + " holds " + std::to_string(feature.size()));
     if (int result = session.ConnectSerial(command))
         return result;
@@ -129,6 +130,7 @@ int RunCount(Session& session, Arguments& args, const std::string& command)
 
 int RunList(Session& session, Arguments& args, const std::string& command)
 {
+    const bool json = args.Flag("--json");
     unsigned int count = 0;
     if (int result = FaceCount(session, args, command, count))
         return result;
@@ -138,15 +140,25 @@ int RunList(Session& session, Arguments& args, const std::string& command)
     if (int result = GetDeviceFaceID(session.Dev(), list.data(), static_cast<unsigned int>(list.size())))
         return Fail(command, result);
     const std::string text(list.data());
+    std::vector<std::string> ids;
     size_t start = 0;
     while (start < text.size()) {
         size_t end = text.find(',', start);
         if (end == std::string::npos)
             end = text.size();
         if (end > start)
-            printf("%s\n", text.substr(start, end - start).c_str());
+            ids.push_back(text.substr(start, end - start));
         start = end + 1;
     }
+    if (json) {
+        std::vector<std::string> encoded;
+        for (const std::string& id : ids)
+            encoded.push_back(JsonString(id));
+        JsonObject().Raw("ids", JsonArray(encoded)).PrintLine();
+        return 0;
+    }
+    for (const std::string& id : ids)
+        printf("%s\n", id.c_str());
     return 0;
 }
 
@@ -158,7 +170,7 @@ int RunQuery(Session& session, Arguments& args, const std::string& command)
         return result;
     int result = QueryFace(session.Dev(), id.c_str(), Length(id), 0);
     if (result != 0)
-        return Fail(command, result, id + " is not enrolled: " + ResultText(result));
+        return Fail(command, result, id + (result > 0 ? " is not enrolled" : " could not be looked up: " + ResultText(result)));
     printf("%s is enrolled\n", id.c_str());
     return 0;
 }
@@ -189,7 +201,8 @@ const std::vector<Verb> kFaceVerbs = {
     {"add-feature", "faces add-feature ID FILE", "enrol a face from a 1384-character feature file", "",
      RunAddFeature, nullptr},
     {"delete", "faces delete ID | --all", "delete one face, or every face", "", RunDelete, nullptr},
-    {"list", "faces list", "list the enrolled identifiers, one a line", "", RunList, nullptr},
+    {"list", "faces list [--json]", "list the enrolled identifiers, one a line",
+     "--json prints one object: {\"ids\":[...]}.\n", RunList, nullptr},
     {"count", "faces count", "print the number of enrolled faces", "", RunCount, nullptr},
     {"query", "faces query ID", "tell whether ID is enrolled", "", RunQuery, nullptr},
     {"feature", "faces feature ID [--out FILE]", "print (or write) the feature of ID", "", RunFeature, nullptr},

@@ -27,9 +27,9 @@ int ReadWholeFile(const std::string& command, const std::string& path, ByteVecto
     if (failed)
         return Fail(command, kFileUnreadable, "cannot read " + path);
     if (data.empty())
-        return Fail(command, -4, path + " is empty");
+        return Fail(command, kUsage, path + " is empty");
     if (data.size() > kMaxInputBytes)
-        return Fail(command, -4, path + " is larger than 1 GiB");
+        return Fail(command, kUsage, path + " is larger than 1 GiB");
     return 0;
 }
 

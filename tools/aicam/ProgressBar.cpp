@@ -1,6 +1,6 @@
 #include "ProgressBar.h"
 
-#include <string>
+#include <unistd.h>
 
 #include "MonotonicClock.h"
 
@@ -19,12 +19,26 @@ std::string Rate(double bytesPerSecond)
 }
 }  // namespace
 
-ProgressBar::ProgressBar(FILE* out, uint64_t total) : m_out(out), m_total(total), m_startNs(MonotonicNs()) {}
+ProgressBar::ProgressBar(FILE* out, uint64_t total, bool quiet)
+    : m_out(out), m_total(total), m_quiet(quiet), m_drawing(!quiet && isatty(fileno(out))), m_startNs(MonotonicNs())
+{
+}
+
+void ProgressBar::Note(const std::string& line)
+{
+    if (m_quiet)
+        return;
+    Finish();
+    fprintf(m_out, "%s\n", line.c_str());
+    fflush(m_out);
+}
 
 double ProgressBar::Seconds() const { return (MonotonicNs() - m_startNs) / 1e9; }
 
 void ProgressBar::Update(uint64_t done)
 {
+    if (!m_drawing)
+        return;
     long long now = MonotonicNs();
     if (m_drawn && done < m_total && now - m_drawnNs < kRedrawNs)
         return;
@@ -51,4 +65,5 @@ void ProgressBar::Finish()
 {
     if (m_drawn)
         fprintf(m_out, "\n");
+    m_drawn = false;
 }

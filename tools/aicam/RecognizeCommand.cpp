@@ -1,5 +1,6 @@
 // recognize: start recognition, print the module's reports as they arrive,
 // then pause it again.
+#include <signal.h>
 #include <stdio.h>
 
 #include <sstream>
@@ -7,11 +8,13 @@
 #include <vector>
 
 #include "FileData.h"
+#include "JsonWriter.h"
 #include "MonotonicClock.h"
 #include "RecognitionMode.h"
 #include "ReportQueue.h"
 #include "ResultText.h"
 #include "Session.h"
+#include "SignalWatch.h"
 #include "Verb.h"
 #include "ai_camera.h"
 
@@ -24,6 +27,7 @@ struct RecognizeOptions {
     long count = 0;                  // stop after this many reports (0: no limit)
     long seconds = 0;                // stop after this long (0: no limit)
     bool full = false;
+    bool json = false;
     std::vector<std::string> kinds;  // the reports to print
     std::string image;               // one-to-one reference image
     long slice = 0;                  // send that image in slices of this size
@@ -81,7 +85,24 @@ int StartRecognition(Session& session, const RecognizeOptions& options, const By
                         });
 }
 
-// Prints reports until the count, the time limit or SIGINT; returns how many.
+// One line: the kind and the text, or under --json an object with the text
+// whole and the size of the binary data after it.
+void PrintReport(const Report& report, const RecognizeOptions& options)
+{
+    if (!options.json) {
+        printf("%-12s %s\n", report.kind, Printable(report.bytes, options.full).c_str());
+        fflush(stdout);
+        return;
+    }
+    const size_t end = report.bytes.find('\0');
+    JsonObject object;
+    object.String("kind", report.kind).String("text", report.bytes.substr(0, end));
+    if (end != std::string::npos)
+        object.Number("binaryBytes", static_cast<long long>(report.bytes.size() - end - 1));
+    object.PrintLine();
+}
+
+// Prints reports until the count, the time limit or a signal; returns how many.
 // Reports of the other recognition mode belong to an earlier run and are
 // neither printed nor counted.
 long PrintReports(ReportQueue& queue, const RecognizeOptions& options)
@@ -103,9 +124,8 @@ long PrintReports(ReportQueue& queue, const RecognizeOptions& options)
             if (IsOfOtherMode(report.bytes, started))
                 continue;
             // Line by line, for readers at the other end of a pipe.
-            printf("%-12s %s\n", report.kind, Printable(report.bytes, options.full).c_str());
-            fflush(stdout);
-            if (options.count > 0 && ++printed >= options.count)
+            PrintReport(report, options);
+            if (++printed >= options.count && options.count > 0)
                 return printed;
         }
         if (!running)
@@ -119,6 +139,7 @@ int RunRecognize(Session& session, Arguments& args, const std::string& command)
     options.recMode = args.Flag("--live") ? 1 : 0;
     options.mulMode = args.Flag("--multi") ? 1 : 0;
     options.full = args.Flag("--full");
+    options.json = args.Flag("--json");
     args.Number("--count", 1, 1000000, options.count);
     args.Number("--seconds", 1, 86400, options.seconds);
     args.Number("--slice", 1, kMaxSliceBytes, options.slice);
@@ -133,38 +154,41 @@ int RunRecognize(Session& session, Arguments& args, const std::string& command)
     }
     if (int result = session.ConnectSerial(command))
         return result;
+    // Caught from before the start until after the pause, so that a signal
+    // at any moment still leaves the recognition paused.
+    SignalWatch watch;
     ReportQueue queue;
-    if (!queue.Start(session.Dev(), options.kinds))
-        return Fail(command, -4, "cannot make the pipe that carries the reports");
+    queue.Start(session.Dev(), options.kinds);
     int result = StartRecognition(session, options, image);
-    if (result != 0) {
-        queue.Stop();
+    if (result != 0)
         return Fail(command, result, "recognition did not start: " + ResultText(result));
-    }
     fprintf(stderr, "recognition started (%s); Ctrl-C stops\n", options.image.empty() ? "one to many" : "one to one");
     long printed = PrintReports(queue, options);
-    queue.Stop();
     result = PauseRecognize(session.Dev());
     if (result != 0)
         return Fail(command, result, "recognition could not be paused: " + ResultText(result));
     fprintf(stderr, "%ld reports; recognition paused\n", printed);
+    if (CaughtSignal())
+        return Fail(command, kInterrupted, std::string("stopped by ") + (CaughtSignal() == SIGINT ? "SIGINT" : "SIGTERM"));
     return 0;
 }
 }  // namespace
 
 const Verb kRecognizeVerb = {
     "recognize",
-    "recognize [--one-to-one IMAGE] [--live] [--multi] [--count N] [--seconds S]",
+    "recognize [--one-to-one IMAGE] [--live] [--multi] [--count N] [--seconds S] [--json]",
     "run recognition and print the reports as they arrive",
     "Starts one-to-many recognition (or one-to-one against IMAGE, sent whole or in\n"
     "slices of --slice BYTES, at most 1 MiB), prints each report on a line (kind,\n"
-    "then its text) until --count N reports, --seconds S or Ctrl-C, then pauses\n"
-    "recognition. Recognition reports of the other mode, left over from an\n"
+    "then its text) until --count N reports, --seconds S, Ctrl-C or SIGTERM,\n"
+    "then pauses recognition. Recognition reports of the other mode, left over from an\n"
     "earlier run, are skipped.\n"
     "  --live          recognition with liveness check\n"
     "  --multi         several faces at once\n"
     "  --kinds LIST    the reports to print, of recognition,track,image,feature,qrcode\n"
-    "  --full          print long reports whole\n",
+    "  --full          print long reports whole\n"
+    "  --json          one object per report: kind, text (whole), and binaryBytes\n"
+    "                  when binary data follows the text\n",
     RunRecognize,
     nullptr,
 };

@@ -1,6 +1,6 @@
 // Reports handed over from the library's listener thread to the main thread.
 // The callbacks only copy and queue (they must not block the listener); a
-// pipe wakes the main thread, and the SIGINT handler writes to the same pipe.
+// SignalWatch's pipe wakes the main thread, for reports and for signals alike.
 #ifndef AICAM_REPORTQUEUE_H
 #define AICAM_REPORTQUEUE_H
 
@@ -14,13 +14,11 @@ struct Report {
 
 class ReportQueue {
 public:
-    // Opens the wake pipe, installs the SIGINT handler and registers the
-    // callbacks of the kinds named in `kinds` on dev. False when the pipe fails.
-    bool Start(void* dev, const std::vector<std::string>& kinds);
-    // Restores SIGINT; reports that still arrive are queued and never read.
-    void Stop();
-    // Waits up to timeoutMs (-1: no limit) for reports or an interrupt; moves
-    // the queued reports to `out`. False once SIGINT has arrived.
+    // Registers the callbacks of the kinds named in `kinds` on dev; a
+    // SignalWatch must live while reports are awaited.
+    void Start(void* dev, const std::vector<std::string>& kinds);
+    // Waits up to timeoutMs (-1: no limit) for reports or a signal; moves the
+    // queued reports to `out`. False once SIGINT or SIGTERM has arrived.
     bool Wait(int timeoutMs, std::vector<Report>& out);
 
     static const std::vector<std::string>& Kinds();

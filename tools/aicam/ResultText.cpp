@@ -2,6 +2,7 @@
 
 #include <stdio.h>
 
+#include "SignalWatch.h"
 #include "ai_camera_ext.h"
 
 namespace {
@@ -27,6 +28,12 @@ const CodeText kToolTexts[] = {
 
 std::string ResultText(int code)
 {
+    if (code > 0)
+        return "the module refused";
+    if (code == kUsage)
+        return "wrong command line";
+    if (code == kInterrupted)
+        return "interrupted";
     for (const CodeText& entry : kToolTexts) {
         if (entry.code == code)
             return entry.text;
@@ -38,33 +45,46 @@ int Fail(const std::string& what, int code) { return Fail(what, code, ResultText
 
 int Fail(const std::string& what, int code, const std::string& text)
 {
-    fprintf(stderr, "aicam: %s: %s (%d)\n", what.c_str(), text.c_str(), code);
+    const std::string where = what.empty() ? "" : what + ": ";
+    if (code == kUsage || code == kInterrupted)
+        fprintf(stderr, "aicam: %s%s\n", where.c_str(), text.c_str());
+    else if (code > 0)
+        fprintf(stderr, "aicam: %s%s (module status %d)\n", where.c_str(), text.c_str(), code);
+    else
+        fprintf(stderr, "aicam: %s%s (%d)\n", where.c_str(), text.c_str(), code);
     return code;
 }
 
 int ExitStatus(int code)
 {
-    if (code < 0)
-        return -code & 0xFF;
-    return code & 0xFF;
+    if (code == 0)
+        return kExitSuccess;
+    if (code == kUsage)
+        return kExitUsage;
+    if (code == kInterrupted)
+        return 128 + CaughtSignal();
+    return code > 0 ? kExitRefused : kExitFailure;
 }
 
 std::string ExitStatusHelp()
 {
     std::string help =
-        "Exit status: 0 on success; for a failure of the library or of the tool its\n"
-        "negative result code negated; for a refusal by the module its status byte\n"
-        "(1..255; enrolment and face counting give statuses of 0x80 and above as\n"
-        "negative codes, as the library does). The codes:\n";
+        "Exit status:\n"
+        "  0    success\n"
+        "  1    a failure of the library or of aicam; the message ends with its code\n"
+        "  2    a wrong command line (unknown command or option, missing or bad value)\n"
+        "  3    the module refused; the message ends with (module status N)\n"
+        "  130  stopped by SIGINT (Ctrl-C), 143 by SIGTERM; recognition is paused\n"
+        "       again, an upgrade stops between slices without applying the package\n\n"
+        "The codes at the end of failure messages:\n";
     auto add = [&help](int code) {
         char line[160];
-        snprintf(line, sizeof line, "  %3d  %s\n", ExitStatus(code), ResultText(code).c_str());
+        snprintf(line, sizeof line, "  %4d  %s\n", code, ResultText(code).c_str());
         help += line;
     };
     for (int code : kLibraryCodes)
         add(code);
     for (const CodeText& entry : kToolTexts)
         add(entry.code);
-    help += "  1..255 otherwise: the module's status byte (\"module status N\")\n";
     return help;
 }

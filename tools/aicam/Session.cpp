@@ -76,13 +76,15 @@ int Session::ConnectSerial(const std::string& command)
     }
     const std::string& port = m_options.port;
     if (port.size() > kMaxPortName)
-        return Fail(command, -4, "the serial port name is longer than 254 characters");
+        return Fail(command, kUsage, "the serial port name is longer than 254 characters");
     int result = ::ConnectSerial(m_dev, port.c_str());
     if (result != 0)
         return Fail(command, result, ConnectProblem(port, kSerialGroup, result));
     m_serialOpen = true;
     return 0;
 }
+
+int Session::Reconnect() { return ::ConnectSerial(m_dev, m_options.port.c_str()); }
 
 int Session::ConnectVideo(const std::string& command)
 {

@@ -17,6 +17,7 @@ struct GlobalOptions {
     UsbId usbId;            // --usb-id VID:PID narrows the modules
     int logLevel = -1;      // -1: the library's trace log stays off
     std::string logDirectory;  // "": the library's own, Log
+    bool quiet = false;     // no progress on stderr
 };
 
 class Session {
@@ -32,6 +33,9 @@ public:
     // 0, or the failure's code after its line has been printed.
     int ConnectSerial(const std::string& command);
     int ConnectVideo(const std::string& command);
+    // Opens the serial link again on the same node, quietly (after a restart
+    // the node comes back); 0 or the library's code.
+    int Reconnect();
 
 private:
     // Fills the nodes not given from the chosen module, saying which it uses.

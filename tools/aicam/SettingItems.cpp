@@ -2,10 +2,14 @@
 
 #include <stdio.h>
 
+#include "JsonWriter.h"
 #include "ResultText.h"
 #include "Session.h"
 
 namespace {
+// The object that 'get --json' fills, while it runs.
+JsonObject* g_jsonSettings = nullptr;
+
 const SettingItem* Find(const std::vector<SettingItem>& items, const std::string& name)
 {
     for (const SettingItem& item : items) {
@@ -17,27 +21,34 @@ const SettingItem* Find(const std::vector<SettingItem>& items, const std::string
 
 int Unknown(const std::string& command, const std::string& name)
 {
-    return Fail(command, -4, "no setting called '" + name + "'; see 'aicam " + command + " --help'");
+    return Fail(command, kUsage, "no setting called '" + name + "'; see 'aicam " + command + " --help'");
 }
 
 int GetItems(const std::vector<SettingItem>& items, Session& session, Arguments& args, const std::string& command)
 {
     std::string name;
     const SettingItem* only = nullptr;
+    const bool json = args.Flag("--json");
     if (args.HasNext() && args.Next("NAME", name)) {
         only = Find(items, name);
         if (!only || !only->get)
-            return only ? Fail(command, -4, "'" + name + "' can be set but not read") : Unknown(command, name);
+            return only ? Fail(command, kUsage, "'" + name + "' can be set but not read") : Unknown(command, name);
     }
     if (int result = ReadySerial(session, args, command))
         return result;
+    JsonObject object;
+    g_jsonSettings = json ? &object : nullptr;
+    int result = 0;
     for (const SettingItem& item : items) {
         if (!item.get || (only && only != &item))
             continue;
-        if (int result = item.get(session, command))
-            return result;
+        if ((result = item.get(session, command)) != 0)
+            break;
     }
-    return 0;
+    g_jsonSettings = nullptr;
+    if (json && result == 0)
+        object.PrintLine();
+    return result;
 }
 
 int SetItems(const std::vector<SettingItem>& items, Session& session, Arguments& args, const std::string& command)
@@ -49,7 +60,7 @@ int SetItems(const std::vector<SettingItem>& items, Session& session, Arguments&
     if (!item)
         return Unknown(command, name);
     if (item->values[0] == '\0')
-        return Fail(command, -4, "'" + name + "' can be read but not set");
+        return Fail(command, kUsage, "'" + name + "' can be read but not set");
     const std::string full = command + " " + name;
     if (item->set)
         return item->set(session, args, full);
@@ -74,9 +85,12 @@ std::string ItemHelp(const std::vector<SettingItem>& items)
 }
 }  // namespace
 
-void PrintSetting(const char* name, const std::string& value)
+void PrintSetting(const char* name, const std::string& text, const std::string& json)
 {
-    printf("%-22s %s\n", (std::string(name) + ":").c_str(), value.c_str());
+    if (g_jsonSettings)
+        g_jsonSettings->Raw(name, json.empty() ? JsonString(text) : json);
+    else
+        printf("%-22s %s\n", (std::string(name) + ":").c_str(), text.c_str());
 }
 
 bool NextSwitch(Arguments& args, const char* what, long& value)
@@ -109,7 +123,8 @@ std::vector<Verb> SettingVerbs(const std::string& group, const std::string& what
 {
     const std::string help = ItemHelp(items);
     return {
-        {"get", group + " get [NAME]", "print the " + what + " (all, or NAME)", help,
+        {"get", group + " get [NAME] [--json]", "print the " + what + " (all, or NAME)",
+         help + "--json prints one object with a member for each setting.\n",
          [&items](Session& session, Arguments& args, const std::string& command) {
              return GetItems(items, session, args, command);
          },
@@ -128,7 +143,8 @@ int GetBytePair(Session& session, const std::string& command, const char* name, 
     unsigned char first = 0, second = 0;
     if (int result = get(session.Dev(), &first, &second))
         return Fail(command, result);
-    PrintSetting(name, std::to_string(first) + " " + std::to_string(second) + " (" + meaning + ")");
+    PrintSetting(name, std::to_string(first) + " " + std::to_string(second) + " (" + meaning + ")",
+                 JsonArray({std::to_string(first), std::to_string(second)}));
     return 0;
 }
 

@@ -29,8 +29,9 @@ struct SettingItem {
 std::vector<Verb> SettingVerbs(const std::string& group, const std::string& what,
                                const std::vector<SettingItem>& items);
 
-// Prints "name: value" in the common layout.
-void PrintSetting(const char* name, const std::string& value);
+// Prints "name: text" in the common layout; under --json, adds the member
+// name with `json` (an encoded value; "" stands for `text` as a string).
+void PrintSetting(const char* name, const std::string& text, const std::string& json = "");
 // "on"/"1" to 1, "off"/"0" to 0; anything else is recorded as the error.
 bool NextSwitch(Arguments& args, const char* what, long& value);
 // Reports a set: "name set to value" or the failure.

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "JsonWriter.h"
 #include "ResultText.h"
 #include "Session.h"
 #include "SettingItems.h"
@@ -30,7 +31,7 @@ int PrintNumber(Session& session, const std::string& command, const char* name, 
     Number value = 0;
     if (int result = get(session.Dev(), &value))
         return Fail(command, result);
-    PrintSetting(name, std::to_string(value));
+    PrintSetting(name, std::to_string(value), std::to_string(value));
     return 0;
 }
 
@@ -71,7 +72,8 @@ int GetNoFlicker(Session& session, const std::string&)
         int result = GetDeviceNoFlickerHz(session.Dev(), camera, &hz, &enabled);
         if (result == 0)
             PrintSetting(camera ? "no-flicker 1" : "no-flicker 0",
-                         "frequency code " + std::to_string(hz) + ", " + (enabled ? "on" : "off"));
+                         "frequency code " + std::to_string(hz) + ", " + (enabled ? "on" : "off"),
+                         JsonObject().Number("frequency-code", hz).Bool("on", enabled != 0).Text());
         return result;
     });
 }

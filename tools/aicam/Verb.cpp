@@ -26,7 +26,7 @@ void PrintLeafHelp(const Verb& verb)
     printf("usage: aicam [GLOBAL OPTIONS] %s\n\n%s\n", verb.usage.c_str(), verb.summary.c_str());
     if (!verb.details.empty())
         printf("\n%s", verb.details.c_str());
-    printf("\n%s", ExitStatusHelp().c_str());
+    printf("\nGlobal options and the exit statuses: aicam --help\n");
 }
 }  // namespace
 
@@ -52,7 +52,6 @@ int RunVerbs(const std::vector<Verb>& verbs, const std::string& prefix, Session&
         }
         return verb.run(session, args, command);
     }
-    const std::string where = prefix.empty() ? "aicam" : prefix;
-    return Fail(where, -4, "unknown command '" + name + "'; see 'aicam " + prefix + (prefix.empty() ? "" : " ") +
-                               "--help'");
+    return Fail(prefix, kUsage,
+                "unknown command '" + name + "'; see 'aicam " + prefix + (prefix.empty() ? "" : " ") + "--help'");
 }

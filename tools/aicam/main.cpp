@@ -6,9 +6,12 @@
 #include <vector>
 
 #include "Arguments.h"
+#include "CommandLine.h"
 #include "ResultText.h"
 #include "Session.h"
 #include "Verb.h"
+#include "ai_camera_ext.h"
+#include "ai_camera_version.h"
 
 namespace {
 const char* const kLevelNames[] = {"trace", "debug", "info", "warn", "error", "fatal", "off"};
@@ -30,7 +33,7 @@ std::vector<Verb> TopLevelVerbs()
 void PrintHelp(const std::vector<Verb>& verbs)
 {
     printf(
-        "usage: aicam [GLOBAL OPTIONS] COMMAND [ARGUMENTS]\n\n"
+        "usage: aicam [GLOBAL OPTIONS] COMMAND [ARGUMENTS] [OPTIONS]\n\n"
         "Drives an AI camera module through libai_camera. Every command takes --help.\n\n"
         "Global options:\n"
         "  --port PATH      serial node of the module (default: the chosen module's)\n"
@@ -44,7 +47,14 @@ void PrintHelp(const std::vector<Verb>& verbs)
         "  --log LEVEL      write the library's trace log at LEVEL (trace, debug, info,\n"
         "                   warn, error, fatal or 0..6) to Log/YYYYMMDD.log here\n"
         "  --log-dir DIR    write the trace log under DIR instead of Log\n"
-        "  --help           this text\n\n"
+        "  -q, --quiet      no progress on stderr (upgrade, reboot --wait)\n"
+        "  --version        print the versions of aicam and of the library it runs on\n"
+        "  -h, --help       this text; after a command, that command's help\n\n"
+        "Options take their value as --opt VALUE or --opt=VALUE and may stand before or\n"
+        "after the command; -- ends the options. list, info, faces list, settings get,\n"
+        "config get, recognize and doctor take --json: one JSON object per line.\n"
+        "Progress is drawn only when stderr is a terminal; otherwise one line tells\n"
+        "the start and one the end.\n\n"
         "Commands:\n%s\n%s",
         VerbList(verbs).c_str(), ExitStatusHelp().c_str());
 }
@@ -64,69 +74,76 @@ bool ParseLevel(const std::string& text, int& level)
     return true;
 }
 
-// Global options stand before the command; returns the index of the command.
-int ParseGlobals(int argc, char** argv, GlobalOptions& options, bool& help)
+// Applies the global options; false after a usage failure has been printed.
+bool ApplyGlobals(const OptionList& globals, GlobalOptions& options, bool& version)
 {
-    int i = 1;
-    for (; i < argc && strncmp(argv[i], "--", 2) == 0; ++i) {
-        const std::string option = argv[i];
-        if (option == "--help") {
-            help = true;
-            continue;
-        }
-        if (i + 1 >= argc) {
-            Fail("aicam", -4, option + " needs a value");
-            return -1;
-        }
-        const std::string value = argv[++i];
-        if (option == "--port") {
+    for (const auto& option : globals) {
+        const std::string& name = option.first;
+        const std::string& value = option.second;
+        if (name == "--port") {
             options.port = value;
-        } else if (option == "--video") {
+        } else if (name == "--video") {
             options.video = value;
-        } else if (option == "--module") {
+        } else if (name == "--module") {
             options.module = value;
-        } else if (option == "--usb-id") {
+        } else if (name == "--usb-id") {
             if (!ParseUsbId(value, options.usbId)) {
-                Fail("aicam", -4,
+                Fail("", kUsage,
                      "--usb-id takes VID:PID, two hexadecimal numbers of four digits, not '" + value + "'");
-                return -1;
+                return false;
             }
-        } else if (option == "--log-dir") {
+        } else if (name == "--log-dir") {
             options.logDirectory = value;
-        } else if (option == "--playback") {
+        } else if (name == "--playback") {
             options.playback = value;
-        } else if (option == "--log") {
+        } else if (name == "--log") {
             if (!ParseLevel(value, options.logLevel)) {
-                Fail("aicam", -4, "--log takes trace, debug, info, warn, error, fatal, off or 0..6, not '" +
-                                      value + "'");
-                return -1;
+                Fail("", kUsage, "--log takes trace, debug, info, warn, error, fatal, off or 0..6, not '" + value + "'");
+                return false;
             }
-        } else {
-            Fail("aicam", -4, "unknown option '" + option + "'; see 'aicam --help'");
-            return -1;
+        } else if (name == "--quiet") {
+            options.quiet = true;
+        } else if (name == "--version") {
+            version = true;
         }
     }
-    return i;
+    return true;
+}
+
+void PrintVersion()
+{
+    char library[64] = {0};
+    GetSdkVersion(library, sizeof library);
+    printf("aicam %s (libai_camera %s)\n", AI_CAMERA_VERSION_STRING, library);
 }
 }  // namespace
 
 int main(int argc, char** argv)
 {
+    ParsedCommandLine line = ParseCommandLine(argc, argv);
+    if (!line.error.empty())
+        return ExitStatus(Fail("", kUsage, line.error + "; see 'aicam --help'"));
     GlobalOptions options;
-    bool help = false;
-    int first = ParseGlobals(argc, argv, options, help);
-    if (first < 0)
-        return ExitStatus(-4);
-    const std::vector<Verb> verbs = TopLevelVerbs();
-    if (first >= argc) {
-        PrintHelp(verbs);
-        return help ? 0 : ExitStatus(-4);
+    bool version = false;
+    const OptionList globals =
+        TakeOptions(line.options, {"port", "video", "module", "usb-id", "playback", "log", "log-dir", "quiet", "version"});
+    if (!ApplyGlobals(globals, options, version))
+        return kExitUsage;
+    if (version) {
+        PrintVersion();
+        return kExitSuccess;
     }
-    std::vector<std::string> words(argv + first, argv + argc);
-    if (help)
-        words.push_back("--help");
-    Arguments args(words);
+    const std::vector<Verb> verbs = TopLevelVerbs();
+    if (line.words.empty()) {
+        const bool help = !TakeOptions(line.options, {"help"}).empty();
+        if (help && line.options.empty()) {
+            PrintHelp(verbs);
+            return kExitSuccess;
+        }
+        return ExitStatus(Fail("", kUsage, help ? line.options.front().first + " needs a command; see 'aicam --help'"
+                                                : "no command given; see 'aicam --help'"));
+    }
+    Arguments args(line.words, line.options);
     Session session(options);
-    int result = RunVerbs(verbs, "", session, args);
-    return ExitStatus(result);
+    return ExitStatus(RunVerbs(verbs, "", session, args));
 }
