@@ -8,45 +8,42 @@
 namespace {
 // Every option of the tool and of its commands; -h and -q are short forms.
 // --wait takes its number as "--wait=S" or as the next word when that is one.
-const struct option kOptions[] = {
-    // global
-    {"port", required_argument, nullptr, 0},
-    {"video", required_argument, nullptr, 0},
-    {"module", required_argument, nullptr, 0},
-    {"usb-id", required_argument, nullptr, 0},
-    {"playback", required_argument, nullptr, 0},
-    {"log", required_argument, nullptr, 0},
-    {"log-dir", required_argument, nullptr, 0},
-    {"quiet", no_argument, nullptr, 'q'},
-    {"version", no_argument, nullptr, 0},
-    {"help", no_argument, nullptr, 'h'},
-    // of the commands
-    {"json", no_argument, nullptr, 0},
-    {"all", no_argument, nullptr, 0},
-    {"nodes", no_argument, nullptr, 0},
-    {"sn-mode", required_argument, nullptr, 0},
-    {"wait", optional_argument, nullptr, 0},
-    {"return-image", required_argument, nullptr, 0},
-    {"slice", required_argument, nullptr, 0},
-    {"out", required_argument, nullptr, 0},
-    {"file", required_argument, nullptr, 0},
-    {"live", no_argument, nullptr, 0},
-    {"multi", no_argument, nullptr, 0},
-    {"full", no_argument, nullptr, 0},
-    {"count", required_argument, nullptr, 0},
-    {"seconds", required_argument, nullptr, 0},
-    {"one-to-one", required_argument, nullptr, 0},
-    {"kinds", required_argument, nullptr, 0},
-    {"md5", required_argument, nullptr, 0},
-    {"timeout", required_argument, nullptr, 0},
-    {nullptr, 0, nullptr, 0},
+struct OptionName {
+    const char* name;
+    int hasArg;
 };
+const OptionName kOptionNames[] = {
+    // global
+    {"port", required_argument}, {"video", required_argument}, {"module", required_argument},
+    {"usb-id", required_argument}, {"playback", required_argument}, {"log", required_argument},
+    {"log-dir", required_argument}, {"quiet", no_argument}, {"version", no_argument}, {"help", no_argument},
+    // of the commands
+    {"json", no_argument}, {"all", no_argument}, {"nodes", no_argument}, {"sn-mode", required_argument},
+    {"wait", optional_argument}, {"return-image", required_argument}, {"slice", required_argument},
+    {"out", required_argument}, {"file", required_argument}, {"live", no_argument}, {"multi", no_argument},
+    {"full", no_argument}, {"count", required_argument}, {"seconds", required_argument},
+    {"one-to-one", required_argument}, {"kinds", required_argument}, {"md5", required_argument},
+    {"timeout", required_argument},
+};
+const int kFirstLongValue = 0x100;
 
-const struct option* Named(const std::string& name)
+// getopt_long takes an abbreviation shared by options of the same value as
+// the first of them: every option gets a value of its own, so that "--s" is
+// refused as ambiguous instead.
+std::vector<struct option> LongOptions()
 {
-    for (const struct option* entry = kOptions; entry->name; ++entry) {
-        if (name == entry->name)
-            return entry;
+    std::vector<struct option> options;
+    for (const OptionName& entry : kOptionNames)
+        options.push_back({entry.name, entry.hasArg, nullptr, kFirstLongValue + static_cast<int>(options.size())});
+    options.push_back({nullptr, 0, nullptr, 0});
+    return options;
+}
+
+const OptionName* Named(const std::string& name)
+{
+    for (const OptionName& entry : kOptionNames) {
+        if (name == entry.name)
+            return &entry;
     }
     return nullptr;
 }
@@ -58,12 +55,12 @@ std::string Refused(const std::string& word, int shortOption)
     if (word.compare(0, 2, "--") != 0)
         return "unknown option '-" + std::string(1, static_cast<char>(shortOption)) + "'";
     const std::string name = word.substr(2, word.find('=') == std::string::npos ? std::string::npos : word.find('=') - 2);
-    const struct option* exact = Named(name);
-    if (exact && exact->has_arg == no_argument)
+    const OptionName* exact = Named(name);
+    if (exact && exact->hasArg == no_argument)
         return "--" + name + " takes no value";
     int matches = 0;
-    for (const struct option* entry = kOptions; entry->name; ++entry)
-        matches += strncmp(entry->name, name.c_str(), name.size()) == 0 ? 1 : 0;
+    for (const OptionName& entry : kOptionNames)
+        matches += strncmp(entry.name, name.c_str(), name.size()) == 0 ? 1 : 0;
     if (matches > 1)
         return "'--" + name + "' is ambiguous";
     return "unknown option '" + word + "'";
@@ -80,10 +77,9 @@ ParsedCommandLine ParseCommandLine(int argc, char** argv)
     const char* const shortOptions = "-:hq";
     opterr = 0;
     optind = 0;  // a full restart, for a second parse in the same process
-    int index = -1;
+    const std::vector<struct option> options = LongOptions();
     for (;;) {
-        index = -1;
-        const int got = getopt_long(argc, words.data(), shortOptions, kOptions, &index);
+        const int got = getopt_long(argc, words.data(), shortOptions, options.data(), nullptr);
         if (got == -1)
             break;
         if (got == 1) {
@@ -100,10 +96,13 @@ ParsedCommandLine ParseCommandLine(int argc, char** argv)
                 line.error = Refused(word, optopt);
             return line;
         }
-        const char* name = index >= 0 ? kOptions[index].name : got == 'h' ? "help" : "quiet";
+        const OptionName& option = got == 'h'   ? *Named("help")
+                                   : got == 'q' ? *Named("quiet")
+                                                : kOptionNames[got - kFirstLongValue];
+        const char* name = option.name;
         std::string value = optarg ? optarg : "";
         long seconds = 0;
-        if (index >= 0 && kOptions[index].has_arg == optional_argument && !optarg && optind < argc &&
+        if (option.hasArg == optional_argument && !optarg && optind < argc &&
             ParseNumber(words[static_cast<size_t>(optind)], 0, 0x7FFFFFFF, seconds))
             value = words[static_cast<size_t>(optind++)];
         line.options.emplace_back(std::string("--") + name, value);
