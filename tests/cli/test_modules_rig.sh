@@ -120,5 +120,16 @@ for _ in $(seq 100); do
 done
 [ "$(squeeze "$(tail -n 1 <<<"$OUT")")" = "$(squeeze "$module_line")" ] || fail "list after plugging in again"
 
+# reboot --wait while the module leaves the bus a moment after accepting the
+# restart and comes back 2 s later: aicam opens the node anew and waits for a ping.
+( sleep 0.3; echo 0 >"/sys/bus/usb/devices/$usb/authorized"; sleep 2; echo 1 >"/sys/bus/usb/devices/$usb/authorized" ) &
+replug=$!
+run "$AICAM" --port "$VM_ACM_HOST" reboot --wait 60
+wait "$replug"
+expect_rc 0 "reboot --wait across an unplug:"
+grep -qE '^the module answered after [0-9.]+ s$' <<<"$ERR" || fail "reboot --wait: the module answered again"
+run "$AICAM" --port "$VM_ACM_HOST" ping
+expect_rc 0 "ping after reboot --wait:"
+
 kill -TERM "$SIM_PID" 2>/dev/null; wait "$SIM_PID" 2>/dev/null || true
 finish
