@@ -36,8 +36,9 @@ install(FILES
 
 # The pkg-config file names the prefix it is installed under, decided at
 # install time (cpack installs under /usr, `cmake --install --prefix P` under P).
+set(AICAM_PC_PREFIX_AT_INSTALL "@AICAM_PC_PREFIX@")   # left for the install step to fill in
 file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/ai_camera.pc.in @ONLY CONTENT
-"prefix=\@AICAM_PC_PREFIX\@
+"prefix=@AICAM_PC_PREFIX_AT_INSTALL@
 libdir=\${prefix}/@CMAKE_INSTALL_LIBDIR@
 includedir=\${prefix}/@CMAKE_INSTALL_INCLUDEDIR@
 
