@@ -9,6 +9,8 @@ packages=(
   libavformat-dev libavcodec-dev libavdevice-dev libavutil-dev libswscale-dev
   ffmpeg
   udev   # udevadm, to check the udev rule
+  help2man                       # the manual pages of aicam and aicam-sim
+  dpkg-dev lintian file binutils # the Debian packages: shlibs, their check (scripts/check-packages.sh)
 )
 
 missing=()

@@ -50,5 +50,47 @@ TEST_F(SimPersistenceTest, DamagedFileIsRefusedAndTheLibraryKept) {
     EXPECT_EQ(model.FaceIds().size(), 3u);
 }
 
+// Settings live in the same file as the faces, text settings with awkward bytes included.
+TEST_F(SimPersistenceTest, SettingsTravelWithTheFacesAndADamagedSettingIsRefused) {
+    EnrolThree();
+    ASSERT_EQ(StatusOf(proto::kTagRotateAngle, {2}), proto::kOk);
+    const std::string config = "{\"a\":\"tab\there\\x41\nline\"}";
+    Bytes setConfig{0, 0};
+    PutText(setConfig, config);
+    ASSERT_EQ(StatusOf(proto::kTagRecConfig, setConfig), proto::kOk);
+    std::string error;
+    ASSERT_TRUE(model.SaveLibrary("module.txt", error)) << error;
+
+    ModuleSimulator otherSimulator;
+    ModuleModel other(otherSimulator);
+    ASSERT_TRUE(other.LoadLibrary("module.txt", error)) << error;
+    EXPECT_EQ(other.FaceIds(), model.FaceIds());
+    EXPECT_EQ(other.Settings().camera.rotateAngle, 2);
+    EXPECT_EQ(other.Settings().recognition.config, config);
+
+    std::ofstream("bad.txt") << "camera.rotateAngle\t256\n";
+    EXPECT_FALSE(other.LoadLibrary("bad.txt", error));
+    EXPECT_NE(error.find("bad.txt:1: not a valid setting"), std::string::npos) << error;
+    std::ofstream("unknown.txt") << "camera.noSuchThing\t1\n";
+    EXPECT_FALSE(other.LoadLibrary("unknown.txt", error));
+    EXPECT_EQ(other.Settings().camera.rotateAngle, 2);
+}
+
+// With a library file set, a setting changed over the wire is in the file at once.
+TEST_F(SimPersistenceTest, ChangedSettingIsSavedAtOnce) {
+    std::string error;
+    ASSERT_TRUE(model.SaveLibrary("live.txt", error)) << error;
+    model.SetLibraryFile("live.txt");
+    ASSERT_EQ(StatusOf(proto::kTagRotateAngle, {3}), proto::kOk);
+    ModuleSimulator otherSimulator;
+    ModuleModel other(otherSimulator);
+    ASSERT_TRUE(other.LoadLibrary("live.txt", error)) << error;
+    EXPECT_EQ(other.Settings().camera.rotateAngle, 3);
+    EXPECT_TRUE(model.SaveError().empty());
+    model.SetLibraryFile("no/such/dir/live.txt");
+    ASSERT_EQ(StatusOf(proto::kTagRotateAngle, {1}), proto::kOk);
+    EXPECT_NE(model.SaveError().find("no/such/dir/live.txt"), std::string::npos) << model.SaveError();
+}
+
 }  // namespace
 }  // namespace sim::test

@@ -16,9 +16,13 @@ const char kUsage[] =
     "  --tty PATH             serve this terminal device (such as a USB gadget's\n"
     "                         /dev/ttyGS0) in raw mode instead of a pseudo-terminal;\n"
     "                         when its host hangs up, it is opened again\n"
-    "  --link PATH            also make PATH a symbolic link to the serial device\n"
-    "  --library FILE         keep the face library in FILE between runs (loaded at\n"
-    "                         start when it exists, saved on every change)\n"
+    "  --link PATH            also make PATH a symbolic link to the serial device;\n"
+    "                         refused when PATH exists, unless it is a dangling link\n"
+    "                         (removed at exit if it still names this module)\n"
+    "  --force                replace whatever is at the --link PATH\n"
+    "  --library FILE         keep the face library and the settings in FILE between\n"
+    "                         runs (loaded at start when it exists, saved on every\n"
+    "                         change; the simulator stops when FILE cannot be written)\n"
     "  --video PATH           write the camera's MJPEG stream to PATH (a file or a FIFO)\n"
     "  --fifo                 create PATH as a FIFO when it does not exist (removed at exit)\n"
     "  --fps N                video frames per second, 1 to 60 (default 25)\n"
@@ -30,6 +34,7 @@ const char kUsage[] =
     "  --no-face              the camera sees nobody\n"
     "  -v, --verbose          print every request on standard error\n"
     "  -h, --help             print this help\n"
+    "      --version          print the version\n"
     "\n"
     "Fault modes:\n"
     "  --drop N               send no answer to the next N requests\n"
@@ -100,6 +105,8 @@ ParseResult ParseOptions(int argc, char** argv, SimOptions& o, std::string& erro
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         if (arg == "-h" || arg == "--help") return ParseResult::Help;
+        if (arg == "--version") return ParseResult::Version;
+        if (arg == "--force") { o.forceLink = true; continue; }
         if (arg == "-v" || arg == "--verbose") { o.verbose = true; continue; }
         if (arg == "--fifo") { o.makeFifo = true; continue; }
         if (arg == "--no-face") { o.faceVisible = false; continue; }
@@ -140,6 +147,10 @@ ParseResult ParseOptions(int argc, char** argv, SimOptions& o, std::string& erro
     o.unplugAfter = unplug;
     if (!o.ttyPath.empty() && !o.linkPath.empty()) {
         error = "--link names a pseudo-terminal, which --tty does not make";
+        return ParseResult::Error;
+    }
+    if (o.forceLink && o.linkPath.empty()) {
+        error = "--force needs --link PATH";
         return ParseResult::Error;
     }
     if (o.makeFifo && o.videoPath.empty()) {

@@ -9,6 +9,7 @@ namespace aicamsim {
 
 struct SimOptions {
     std::string linkPath;
+    bool forceLink = false;        // take --link over even when something else is there
     std::string ttyPath;           // serve this terminal device instead of a pseudo-terminal
     std::string libraryFile;
     std::string videoPath;
@@ -30,7 +31,7 @@ struct SimOptions {
     long long unplugAfter = 0;     // 0: never
 };
 
-enum class ParseResult { Run, Help, Error };
+enum class ParseResult { Run, Help, Version, Error };
 
 // On Error, `error` holds one line that says what is wrong.
 ParseResult ParseOptions(int argc, char** argv, SimOptions& options, std::string& error);

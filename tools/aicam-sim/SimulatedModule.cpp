@@ -23,16 +23,23 @@ std::optional<sim::Bytes> SimulatedModule::Gate(const sim::Request& request) {
     return m_model.Handle(request);
 }
 
+// Another simulator's link, or anything else, stays unless --force says otherwise;
+// a dangling link is what a killed simulator leaves, and is taken over.
 bool SimulatedModule::MakeLink(std::string& error) {
+    const char* path = m_options.linkPath.c_str();
     struct stat st {};
-    if (::lstat(m_options.linkPath.c_str(), &st) == 0) {
-        if (!S_ISLNK(st.st_mode)) {
-            error = m_options.linkPath + " exists and is not a symbolic link";
+    if (::lstat(path, &st) == 0) {
+        const bool dangling = S_ISLNK(st.st_mode) && ::stat(path, &st) != 0;
+        if (!dangling && !m_options.forceLink) {
+            error = m_options.linkPath + " already exists (another simulator's link?); use --force to replace it";
             return false;
         }
-        ::unlink(m_options.linkPath.c_str());
+        if (::unlink(path) != 0) {
+            error = "cannot remove " + m_options.linkPath + ": " + std::strerror(errno);
+            return false;
+        }
     }
-    if (::symlink(SerialPath().c_str(), m_options.linkPath.c_str()) != 0) {
+    if (::symlink(SerialPath().c_str(), path) != 0) {
         error = "cannot create " + m_options.linkPath + ": " + std::strerror(errno);
         return false;
     }
@@ -66,10 +73,27 @@ void SimulatedModule::ServeDeviceAgain() {
     std::fprintf(stderr, "aicam-sim: module ready on %s\n", m_options.ttyPath.c_str());
 }
 
+// Removed only while it still names our device: a --force'd successor keeps its own.
+void SimulatedModule::RemoveLink() {
+    if (!m_linkMade) return;
+    m_linkMade = false;
+    char target[4096];
+    const ssize_t n = ::readlink(m_options.linkPath.c_str(), target, sizeof target - 1);
+    if (n < 0 || std::string(target, size_t(n)) != SerialPath()) return;
+    ::unlink(m_options.linkPath.c_str());
+}
+
+// Saved once at start, so that a file that cannot be written stops us now
+// rather than losing the first face enrolled.
 bool SimulatedModule::LoadLibrary(std::string& error) {
-    if (::access(m_options.libraryFile.c_str(), F_OK) == 0 && !m_model.LoadLibrary(m_options.libraryFile, error))
+    const std::string& file = m_options.libraryFile;
+    if (::access(file.c_str(), F_OK) == 0 && !m_model.LoadLibrary(file, error)) return false;
+    std::string why;
+    if (!m_model.SaveLibrary(file, why)) {
+        error = "cannot keep the library in " + file + " (" + why + ")";
         return false;
-    m_model.SetLibraryFile(m_options.libraryFile);
+    }
+    m_model.SetLibraryFile(file);
     return true;
 }
 
@@ -118,10 +142,10 @@ void SimulatedModule::Stop() {
     if (m_video) m_video->Stop();
     m_simulator.Stop();
     // What the simulator created goes with it.
-    if (m_linkMade) ::unlink(m_options.linkPath.c_str());
+    RemoveLink();
     if (m_fifoMade) ::unlink(m_options.videoPath.c_str());
-    m_linkMade = m_fifoMade = false;
-    if (!m_options.libraryFile.empty()) {
+    m_fifoMade = false;
+    if (!m_options.libraryFile.empty() && m_model.SaveError().empty()) {
         std::string error;
         if (!m_model.SaveLibrary(m_options.libraryFile, error))
             std::fprintf(stderr, "aicam-sim: %s\n", error.c_str());

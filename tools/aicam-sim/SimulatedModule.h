@@ -25,10 +25,12 @@ public:
     void Stop();
     std::string SerialPath() const { return m_simulator.SlavePath(); }
     std::string VideoError() const { return m_video ? m_video->Error() : std::string(); }
+    std::string SaveError() const { return m_model.SaveError(); }
 
 private:
     std::optional<sim::Bytes> Gate(const sim::Request& request);
     bool MakeLink(std::string& error);
+    void RemoveLink();
     bool OpenSerial(std::string& error);
     void ServeDeviceAgain();
     bool LoadLibrary(std::string& error);

@@ -5,6 +5,7 @@
 #include <ctime>
 
 #include "SimOptions.h"
+#include "ai_camera_version.h"
 #include "SimulatedModule.h"
 
 namespace {
@@ -26,6 +27,10 @@ int main(int argc, char** argv) {
     switch (aicamsim::ParseOptions(argc, argv, options, error)) {
     case aicamsim::ParseResult::Help:
         std::fputs(aicamsim::UsageText(), stdout);
+        return 0;
+    case aicamsim::ParseResult::Version:
+        std::printf("aicam-sim %d.%d.%d.%d\n", AI_CAMERA_VERSION_MAJOR, AI_CAMERA_VERSION_MINOR,
+                    AI_CAMERA_VERSION_PATCH, AI_CAMERA_VERSION_TWEAK);
         return 0;
     case aicamsim::ParseResult::Error:
         std::fprintf(stderr, "aicam-sim: %s (see aicam-sim --help)\n", error.c_str());
@@ -54,6 +59,13 @@ int main(int argc, char** argv) {
     while (signalNumber < 0) {
         signalNumber = sigtimedwait(&stopSignals, nullptr, &tick);
         module.Poll();
+        // A library that can no longer be kept would lose the next change: stop rather than pretend.
+        const std::string saveError = module.SaveError();
+        if (!saveError.empty()) {
+            module.Stop();
+            std::fprintf(stderr, "aicam-sim: %s; stopping\n", saveError.c_str());
+            return 1;
+        }
         const std::string videoError = module.VideoError();
         if (videoError != reportedVideoError) {
             std::fprintf(stderr, "aicam-sim: video stopped: %s\n", videoError.c_str());

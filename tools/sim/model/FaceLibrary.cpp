@@ -1,6 +1,8 @@
 #include "FaceLibrary.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <cstdio>
 #include <fstream>
 #include <sstream>
@@ -10,7 +12,7 @@
 namespace sim {
 namespace {
 
-const char kFileHeader[] = "# simulated module face library: id<TAB>source<TAB>feature";
+const char kFileHeader[] = "# simulated module: faces id<TAB>source<TAB>feature, settings name<TAB>value";
 
 uint64_t Fnv1a(const uint8_t* data, size_t length) {
     uint64_t h = 1469598103934665603ull;
@@ -87,27 +89,29 @@ std::string FaceLibrary::SyntheticFeature(const Bytes& seed) {
     return FeatureFromHash(Fnv1a(seed.data(), seed.size()) | 1);
 }
 
-bool FaceLibrary::Save(const std::string& path, std::string& error) const {
+bool FaceLibrary::Save(const std::string& path, std::string& error, const std::string& otherLines) const {
     // Written aside and renamed, so that a crash never leaves half a library.
     std::string temp = path + ".tmp";
     {
         std::ofstream out(temp, std::ios::trunc);
         out << kFileHeader << '\n';
         for (const FaceEntry& e : m_entries) out << e.id << '\t' << e.source << '\t' << e.feature << '\n';
+        out << otherLines;
         out.flush();
         if (!out) {
-            error = "cannot write " + temp;
+            error = "cannot write " + temp + ": " + std::strerror(errno);
             return false;
         }
     }
     if (std::rename(temp.c_str(), path.c_str()) != 0) {
-        error = "cannot rename " + temp + " to " + path;
+        error = "cannot rename " + temp + " to " + path + ": " + std::strerror(errno);
+        std::remove(temp.c_str());
         return false;
     }
     return true;
 }
 
-bool FaceLibrary::Load(const std::string& path, std::string& error) {
+bool FaceLibrary::Load(const std::string& path, std::string& error, const PairLine& onPair) {
     std::ifstream in(path);
     if (!in) {
         error = "cannot open " + path;
@@ -119,6 +123,12 @@ bool FaceLibrary::Load(const std::string& path, std::string& error) {
     while (std::getline(in, line)) {
         ++lineNo;
         if (line.empty() || line[0] == '#') continue;
+        const size_t tab = line.find('\t');
+        if (onPair && tab != std::string::npos && line.find('\t', tab + 1) == std::string::npos) {
+            if (onPair(line.substr(0, tab), line.substr(tab + 1))) continue;
+            error = path + ":" + std::to_string(lineNo) + ": not a valid setting";
+            return false;
+        }
         FaceEntry e;
         std::istringstream fields(line);
         std::getline(fields, e.id, '\t');

@@ -3,6 +3,7 @@
 // order, and the file in which the simulator keeps it between runs.
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -27,9 +28,13 @@ public:
     std::vector<std::string> Ids() const;
     std::string ListText() const;   // identifiers joined by ","
 
-    bool Save(const std::string& path, std::string& error) const;
-    // Replaces the library only when the whole file is valid.
-    bool Load(const std::string& path, std::string& error);
+    // The file holds one line "id<TAB>source<TAB>feature" per face, then
+    // `otherLines` (the simulator keeps its settings there as two-field lines).
+    bool Save(const std::string& path, std::string& error, const std::string& otherLines = {}) const;
+    // Replaces the library only when the whole file is valid; every two-field
+    // line goes to `onPair`, and the file is invalid when it returns false.
+    using PairLine = std::function<bool(const std::string& name, const std::string& value)>;
+    bool Load(const std::string& path, std::string& error, const PairLine& onPair = nullptr);
 
     static bool ValidId(const std::string& id);
     // A feature derived from a seed, so that the same face gives the same feature.

@@ -2,6 +2,7 @@
 
 #include "ModuleProtocol.h"
 #include "SettingRequests.h"
+#include "SettingsText.h"
 
 namespace sim {
 
@@ -108,7 +109,9 @@ std::optional<Bytes> ModuleModel::Handle(const Request& request) {
     auto it = m_commands.find(request.tag);
     if (it == m_commands.end()) return StatusOnly(proto::kUnknownCommand);
     ByteReader in(request.value);
+    const std::string settingsBefore = m_libraryFile.empty() ? std::string() : SettingsLines(m_settings);
     std::optional<Bytes> answer = it->second(in);
+    if (!m_libraryFile.empty() && SettingsLines(m_settings) != settingsBefore) LibraryChanged();
     m_changed.notify_all();
     return answer;
 }
@@ -122,8 +125,12 @@ void ModuleModel::Restart(uint16_t tag, uint8_t mode) {
 
 void ModuleModel::LibraryChanged() {
     if (m_libraryFile.empty()) return;
-    std::string error;
-    m_faces.Save(m_libraryFile, error);   // a failed save leaves the previous file
+    m_saveError.clear();
+    SaveLocked(m_libraryFile, m_saveError);   // a failed save leaves the previous file
+}
+
+bool ModuleModel::SaveLocked(const std::string& path, std::string& error) const {
+    return m_faces.Save(path, error, SettingsLines(m_settings));
 }
 
 void ModuleModel::SetRebootQuietMs(int ms) {
@@ -176,13 +183,23 @@ std::optional<FaceEntry> ModuleModel::Face(const std::string& id) const {
 }
 
 bool ModuleModel::SaveLibrary(const std::string& path, std::string& error) const {
-    return Locked([&] { return m_faces.Save(path, error); });
+    return Locked([&] { return SaveLocked(path, error); });
 }
 
+// Settings missing from the file keep their values; nothing changes unless the whole file is valid.
 bool ModuleModel::LoadLibrary(const std::string& path, std::string& error) {
-    return Locked([&] { return m_faces.Load(path, error); });
+    std::lock_guard<std::mutex> lock(m_mutex);
+    ModuleSettings loaded = m_settings;
+    auto onSetting = [&loaded](const std::string& name, const std::string& value) {
+        return ApplySettingLine(loaded, name, value);
+    };
+    if (!m_faces.Load(path, error, onSetting)) return false;
+    m_settings = loaded;
+    return true;
 }
 
 void ModuleModel::SetLibraryFile(const std::string& path) { Locked([&] { m_libraryFile = path; }); }
+
+std::string ModuleModel::SaveError() const { return Locked([&] { return m_saveError; }); }
 
 }  // namespace sim

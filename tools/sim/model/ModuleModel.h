@@ -88,10 +88,13 @@ public:
     RecognitionStatus Recognition() const;
     std::vector<std::pair<uint16_t, uint8_t>> Restarts() const;   // (0x1004 or 0x1005, mode) in order
 
-    // Face library persistence. With a library file set, every change is saved at once.
+    // The face library and the settings in one file. With a library file set,
+    // every change to either is saved at once.
     bool SaveLibrary(const std::string& path, std::string& error) const;
     bool LoadLibrary(const std::string& path, std::string& error);
     void SetLibraryFile(const std::string& path);
+    // Why the last save to the library file failed; empty after a good one.
+    std::string SaveError() const;
 
 private:
     using Command = std::function<std::optional<Bytes>(ByteReader&)>;
@@ -106,6 +109,7 @@ private:
         return f();
     }
     void LibraryChanged();
+    bool SaveLocked(const std::string& path, std::string& error) const;
     void Restart(uint16_t tag, uint8_t mode);
     void ReportLoop();
     std::vector<std::pair<uint16_t, Bytes>> BuildRound();
@@ -181,6 +185,7 @@ private:
     std::vector<std::pair<uint16_t, uint8_t>> m_restarts;
     uint64_t m_seq = 0;
     std::string m_libraryFile;
+    std::string m_saveError;
     JpegEncoder m_jpeg;
 
     Clock::time_point m_start = Clock::now();
