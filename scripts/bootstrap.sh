@@ -9,6 +9,7 @@ packages=(
   libavformat-dev libavcodec-dev libavdevice-dev libavutil-dev libswscale-dev
   ffmpeg
   udev   # udevadm, to check the udev rule
+  python3  # the include-cycle check
 )
 
 missing=()
