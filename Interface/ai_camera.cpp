@@ -5,10 +5,10 @@
 
 #include <new>
 
-#include "AICamera/AICamera.h"
-#include "AICamera/Camera.h"
-#include "AICamera/Log.h"
-#include "AICamera/Trace.h"
+#include "AICamera/Device/AICamera.h"
+#include "AICamera/Video/Camera.h"
+#include "AICamera/Log/Log.h"
+#include "AICamera/Log/Trace.h"
 #include "OS/Serial_Linux/OS_Serial.h"
 #include "ai_camera_ext.h"
 

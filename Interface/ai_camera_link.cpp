@@ -1,7 +1,7 @@
 // The serial link as applications watch it: report callbacks with a context
 // pointer, link-state events and the link's counters.
-#include "AICamera/AICamera.h"
-#include "AICamera/Trace.h"
+#include "AICamera/Device/AICamera.h"
+#include "AICamera/Log/Trace.h"
 #include "ai_camera_ext.h"
 
 #define TRACE_FILE "ai_camera"

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "AICamera/Log.h"
-#include "AICamera/Trace.h"
+#include "AICamera/Log/Log.h"
+#include "AICamera/Log/Trace.h"
 #include "ai_camera_ext.h"
 
 #define TRACE_FILE "ai_camera"

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "AICamera/Log.h"
-#include "AICamera/Trace.h"
+#include "AICamera/Log/Log.h"
+#include "AICamera/Log/Trace.h"
 #include "OS/OS_UsbModules.h"
 #include "ai_camera_ext.h"
 

@@ -3,7 +3,7 @@
 
 #include <mutex>
 
-#include "AICamera/Trace.h"
+#include "AICamera/Log/Trace.h"
 #include "ai_camera_ext.h"
 
 #define TRACE_FILE "ai_camera"

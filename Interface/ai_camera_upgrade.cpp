@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "AICamera/AICamera.h"
-#include "AICamera/FirmwareUpgrade.h"
-#include "AICamera/Trace.h"
+#include "AICamera/Device/AICamera.h"
+#include "AICamera/Device/FirmwareUpgrade.h"
+#include "AICamera/Log/Trace.h"
 #include "ai_camera_ext.h"
 
 #define TRACE_FILE "ai_camera"

@@ -24,21 +24,24 @@ function(aicam_component name)
   endforeach()
 endfunction()
 
-aicam_component(base Threads::Threads)
-aicam_component(proto aicam_base)
-aicam_component(video aicam_base PkgConfig::FFMPEG)
-aicam_component(device aicam_proto aicam_video)
+# One static library per folder, each on those below it:
+#   OS <- Log <- Protocol <- Device -> Video, and Interface on top.
+aicam_component(os Threads::Threads)
+aicam_component(log aicam_os)
+aicam_component(protocol aicam_log)
+aicam_component(video aicam_log PkgConfig::FFMPEG)
+aicam_component(device aicam_protocol aicam_video)
 aicam_component(iface aicam_device)
 
 # Everything the library holds, for tests and tools that reach inside it.
 add_library(aicam_internal INTERFACE)
-foreach(component iface device video proto base)
+foreach(component iface device video protocol log os)
   if(TARGET aicam_${component})
     target_link_libraries(aicam_internal INTERFACE aicam_${component})
   endif()
 endforeach()
 
-set(AICAM_SHARED_ROOT base)
+set(AICAM_SHARED_ROOT os)
 if(TARGET aicam_iface)
   set(AICAM_SHARED_ROOT iface)
 endif()

@@ -8,12 +8,12 @@
 
 #include <string>
 
-#include "AICamera/AsyncCommand.h"
-#include "AICamera/CommandExecutor.h"
-#include "AICamera/CommandManager.h"
-#include "AICamera/Message.h"
-#include "AICamera/SideText.h"
-#include "AICamera/Transceiver.h"
+#include "AICamera/Protocol/AsyncCommand.h"
+#include "AICamera/Protocol/CommandExecutor.h"
+#include "AICamera/Protocol/CommandManager.h"
+#include "AICamera/Protocol/Message.h"
+#include "AICamera/Video/SideText.h"
+#include "AICamera/Protocol/Transceiver.h"
 #include "ModuleSimulator.h"
 #include "RandomInput.h"
 
@@ -80,7 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     Registry& registry = TheRegistry();
     CommandExecutor executor(registry.manager, &registry.manager->Counters());
     LinkEvents events;
-    Transceiver receiver(registry.manager, &executor, &registry.manager->Counters(), &events);
+    Transceiver receiver(&executor, &registry.manager->Counters(), &events);
     size_t cut = size ? data[0] % (size + 1) : 0;
     receiver.Receive(data, static_cast<int>(cut));
     receiver.Receive(data + cut, static_cast<int>(size - cut));

@@ -11,6 +11,7 @@ packages=(
   udev   # udevadm, to check the udev rule
   help2man                       # the manual pages of aicam and aicam-sim
   dpkg-dev lintian file binutils # the Debian packages: shlibs, their check (scripts/check-packages.sh)
+  python3                        # the include-cycle check
 )
 
 missing=()

@@ -15,8 +15,8 @@ case "${1:-}" in
   "")         build="build";    options=(-DAICAM_SANITIZE=OFF -DAICAM_TSAN=OFF) ;;
   --sanitize) build="build-asan"; options=(-DAICAM_SANITIZE=ON -DAICAM_TSAN=OFF) ;;
   --tsan)     build="build-tsan"; options=(-DAICAM_SANITIZE=OFF -DAICAM_TSAN=ON)
-              targets=(--target test_video test_proto test_base test_frame_wait)
-              labels=(-L "test_video|test_proto|test_base|test_frame_wait") ;;
+              targets=(--target test_video test_protocol test_serial test_os test_log test_frame_wait)
+              labels=(-L "test_video|test_protocol|test_serial|test_os|test_log|test_frame_wait") ;;
   *) echo "usage: $0 [--sanitize|--tsan]" >&2; exit 2 ;;
 esac
 

@@ -15,7 +15,7 @@
 #include <atomic>
 #include <new>
 
-#include "../../AICamera/Trace.h"
+#include "../../AICamera/Log/Trace.h"
 #include "../OS_DeviceList.h"
 
 #define TRACE_FILE "OS_Serial"

@@ -14,7 +14,7 @@
 #include <thread>
 #include <vector>
 
-#include "AICamera/CommandManager.h"
+#include "AICamera/Protocol/CommandManager.h"
 #include "ModuleSimulator.h"
 
 namespace {

@@ -34,7 +34,7 @@ extern "C" {
 #include <libswscale/swscale.h>
 }
 
-#include "AICamera/CameraManager.h"
+#include "AICamera/Video/CameraManager.h"
 
 namespace {
 const int kWidth = 1280;

@@ -1,3 +1,4 @@
+# The exported C functions.
 set(AICAM_SOURCES
   Interface/ai_camera.cpp
   Interface/ai_camera_modules.cpp

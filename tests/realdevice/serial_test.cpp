@@ -9,7 +9,7 @@ extern "C" {
 #include <libavutil/md5.h>
 }
 
-#include "../device/ReportSink.h"
+#include "../AICamera/Device/ReportSink.h"
 #include "RealDeviceTest.h"
 
 namespace {
