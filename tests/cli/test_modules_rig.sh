@@ -23,7 +23,7 @@ run "$AICAM" --usb-id "$ids" list
 [ "$(squeeze "$(tail -n 1 <<<"$OUT")")" = "$(squeeze "$module_line")" ] || fail "list --usb-id $ids"
 
 # The module side: the simulator on the gadget's tty, its pictures into the camera.
-"$AICAM_SIM" --tty "$VM_ACM_GADGET" --video "$VM_UVC_FIFO" --size 320x240 >"$SCRATCH/sim.out" 2>"$SCRATCH/sim.err" &
+"$AICAM_SIM" -v --tty "$VM_ACM_GADGET" --video "$VM_UVC_FIFO" --size 320x240 >"$SCRATCH/sim.out" 2>"$SCRATCH/sim.err" &
 SIM_PID=$!
 for _ in $(seq 300); do
   grep -q "module ready on" "$SCRATCH/sim.err" && break
@@ -122,7 +122,10 @@ done
 
 # reboot --wait while the module leaves the bus a moment after accepting the
 # restart and comes back 2 s later: aicam opens the node anew and waits for a ping.
-( sleep 0.3; echo 0 >"/sys/bus/usb/devices/$usb/authorized"; sleep 2; echo 1 >"/sys/bus/usb/devices/$usb/authorized" ) &
+# The module leaves once it has the reboot request, however slowly aicam starts.
+reboots=$(grep -c "tag 0x1004" "$SCRATCH/sim.err" || true)
+( timeout 30 bash -c 'until [ "$(grep -c "tag 0x1004" "$1")" -gt "$2" ]; do sleep 0.05; done' _ "$SCRATCH/sim.err" "$reboots"
+  sleep 0.3; echo 0 >"/sys/bus/usb/devices/$usb/authorized"; sleep 2; echo 1 >"/sys/bus/usb/devices/$usb/authorized" ) &
 replug=$!
 run "$AICAM" --port "$VM_ACM_HOST" reboot --wait 60
 wait "$replug"
