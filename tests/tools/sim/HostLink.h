@@ -15,7 +15,7 @@
 #include <utility>
 
 #include "ModuleSimulator.h"
-#include "../../OS/OS_ByteOrder.h"
+#include "../../../OS/OS_ByteOrder.h"
 
 namespace sim::test {
 
