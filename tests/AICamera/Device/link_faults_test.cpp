@@ -7,44 +7,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <chrono>
 #include <thread>
 #include <vector>
 
 #include "DeviceTest.h"
+#include "TimedCall.h"
 
 namespace {
 using Clock = std::chrono::steady_clock;
 const char* const kId = kCommandId;
-
-long long MsSince(Clock::time_point start)
-{
-    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
-}
-
-// A call on another thread, with its result and how long it took.
-struct TimedCall {
-    std::atomic<int> result{1000};
-    std::atomic<long long> ms{-1};
-    std::thread thread;
-
-    explicit TimedCall(std::function<int()> call)
-        : thread([this, call] {
-              Clock::time_point start = Clock::now();
-              int r = call();
-              ms = MsSince(start);
-              result = r;
-          })
-    {
-    }
-    ~TimedCall()
-    {
-        if (thread.joinable())
-            thread.join();
-    }
-    void Join() { thread.join(); }
-};
 }  // namespace
 
 using LinkFaults = DeviceTest;

@@ -1,9 +1,6 @@
-// Firmware upgrade: package slices, then the hash check and apply, by hand
-// and as a whole upgrade against the module's firmware store.
+// Firmware upgrade by hand: package slices, then the hash check and apply.
+// The whole upgrade against the module's firmware store is UpgradeFirmware's.
 #include <stdio.h>
-
-#include <algorithm>
-#include <random>
 
 #include "SettingsDevice.h"
 
@@ -53,37 +50,4 @@ TEST_F(FirmwareUpgrade, ExchangesAndRefusals)
         {"ApplyUpgrade", Invoke(ApplyUpgrade, "", 0), "!strlen(static_cast<char*>(const_cast<void*>(pHashData)))"},
         {"ApplyUpgrade", Invoke(ApplyUpgrade, nullptr, 32), "pHashData == nullptr"},
     });
-}
-
-using WholeUpgrade = ModelDevice;
-
-// A package of a few hundred kilobytes in slices numbered by their byte offset,
-// refused with the module's reason while its hash is wrong.
-TEST_F(WholeUpgrade, OnlyThePackageWithItsHashIsApplied)
-{
-    const size_t sliceSize = 4 * 1024;
-    std::mt19937 random(20240611);
-    sim::Bytes package(300 * 1024 + 123);
-    for (uint8_t& byte : package)
-        byte = static_cast<uint8_t>(random());
-    for (size_t offset = 0; offset < package.size(); offset += sliceSize) {
-        unsigned int length = static_cast<unsigned int>(std::min(sliceSize, package.size() - offset));
-        ASSERT_EQ(0, UploadPackageSlice(dev, static_cast<unsigned int>(offset), &package[offset], length)) << offset;
-    }
-    EXPECT_EQ(package, model.FirmwarePackage());
-    const std::string hash = sim::FirmwareStore::Md5Hex(package);
-    std::string wrong = hash;
-    wrong[5] = wrong[5] == '0' ? '1' : '0';
-    int status = ApplyUpgrade(dev, wrong.c_str(), 32);
-    EXPECT_GT(status, 0);
-    std::string reason = "upgrade package MD5 mismatch: expected " + wrong + ", received package has " + hash;
-    EXPECT_EQ(Body(ApplyInputs(wrong.c_str()) + " errorInfo : " + reason, "", status), LastRecord("ApplyUpgrade"));
-    EXPECT_EQ(0u, model.FirmwareApplied().count);
-
-    EXPECT_EQ(0, ApplyUpgrade(dev, hash.c_str(), 32));
-    EXPECT_EQ(Body(ApplyInputs(hash.c_str()), "", 0), LastRecord("ApplyUpgrade"));
-    const sim::AppliedPackage applied = model.FirmwareApplied();
-    EXPECT_EQ(1u, applied.count);
-    EXPECT_EQ(package.size(), applied.size);
-    EXPECT_EQ(hash, applied.md5);
 }
