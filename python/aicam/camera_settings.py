@@ -39,12 +39,13 @@ class CameraSettings(Handle):
         return self._call_reading("GetLuminousSensitivityThreshold")[0]
 
     def get_device_no_flicker_hz(self, camera_id: int) -> Tuple[int, bool]:
-        """The anti-flicker frequency of camera ``camera_id`` and whether it is on."""
+        """The anti-flicker frequency choice (0 or 1, the module's two mains frequencies) of camera
+        ``camera_id`` (0 or 1) and whether anti-flicker is on."""
         hertz, enabled = self._call_reading("GetDeviceNoFlickerHz", camera_id, out=(c_ubyte, c_ubyte))
         return hertz, bool(enabled)
 
     def set_device_no_flicker_hz(self, camera_id: int, hertz: int, enabled: bool) -> None:
-        """Sets the anti-flicker frequency of camera ``camera_id`` and turns it on or off."""
+        """Sets the anti-flicker frequency choice (0 or 1) of camera ``camera_id`` and turns it on or off."""
         self._call("SetDeviceNoFlickerHz", camera_id, hertz, int(enabled))
 
     def set_rotate_angle(self, mode: int) -> None:

@@ -69,13 +69,13 @@ class Camera(Handle):
         return self._take("WaitFrame", milliseconds(timeout))
 
     def frames(self, timeout: float = 2.0) -> Iterator[Frame]:
-        """Every new picture in turn, until the stream ends or is gone (-10); a wait of more than
-        ``timeout`` seconds for one raises ``Error`` -11."""
+        """Every new picture in turn, until none came within ``timeout`` seconds (a recording has
+        ended, or the camera stalled); ``Error`` -10 when the stream is gone (unplugged)."""
         while True:
             try:
                 picture = self.frame(timeout)
             except Error as error:
-                if error.code == Result.VIDEO_UNAVAILABLE:
+                if error.code == Result.NO_NEW_PICTURE:
                     return
                 raise
             yield picture
