@@ -29,8 +29,9 @@ def library_path(pytestconfig: pytest.Config) -> str:
     path = pytestconfig.getoption("--library")
     if not path:
         pytest.fail("give --library (or AICAM_LIBRARY): the libai_camera.so.4 to test")
+    path = os.path.abspath(path)
     aicam.load_library(path)
-    return str(path)
+    return path
 
 
 @pytest.fixture(scope="session")
