@@ -3,7 +3,7 @@ from __future__ import annotations
 
 import os
 from ctypes import c_int
-from typing import Any, Iterator, NamedTuple, Union
+from typing import Any, Iterator, NamedTuple, Tuple, Union
 
 import numpy as np
 
@@ -45,7 +45,7 @@ class Camera(Handle):
         """Stops capturing."""
         self._call("DisconnectCamera")
 
-    def get_resolution(self) -> tuple:
+    def get_resolution(self) -> Tuple[int, int]:
         """The pictures' (width, height)."""
         width, height = self._call_reading("GetResolution", out=(c_int, c_int))
         return width, height

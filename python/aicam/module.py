@@ -80,5 +80,10 @@ class Module(Camera, Reports, Link, Upgrade, FaceCommands, RecognitionCommands, 
         self.close()
 
     def __del__(self) -> None:
+        # A module left open is released when collected; at interpreter exit the
+        # library may already be gone, and there is nobody to tell.
         if getattr(self, "_dev", None) is not None:
-            self.close()
+            try:
+                self.close()
+            except Exception:
+                pass
