@@ -77,6 +77,7 @@ include(${CMAKE_CURRENT_LIST_DIR}/ManPages.cmake)
 set(AICAM_PACKAGE_runtime libai-camera${PROJECT_VERSION_MAJOR})
 set(AICAM_PACKAGE_dev libai-camera-dev)
 set(AICAM_PACKAGE_tools ai-camera-tools)
+set(AICAM_PACKAGE_python python3-aicam)
 
 # Each package's copyright and changelog, as Debian wants them.
 configure_file(${PROJECT_SOURCE_DIR}/packaging/changelog.in ${PROJECT_BINARY_DIR}/packaging/changelog @ONLY)
@@ -84,7 +85,7 @@ add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/packaging/changelog.gz
   COMMAND gzip -9nf -k ${PROJECT_BINARY_DIR}/packaging/changelog
   DEPENDS ${PROJECT_BINARY_DIR}/packaging/changelog VERBATIM)
 add_custom_target(aicam_changelog ALL DEPENDS ${PROJECT_BINARY_DIR}/packaging/changelog.gz)
-foreach(component runtime dev tools)
+foreach(component runtime dev tools python)
   set(package ${AICAM_PACKAGE_${component}})
   install(FILES ${PROJECT_SOURCE_DIR}/packaging/copyright ${PROJECT_BINARY_DIR}/packaging/changelog.gz
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${package} COMPONENT ${component})

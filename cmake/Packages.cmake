@@ -10,7 +10,7 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 # Installed under DESTDIR with the prefix /usr, so that the pkg-config file names /usr.
 set(CPACK_SET_DESTDIR ON)
 set(CPACK_INSTALL_PREFIX /usr)
-set(CPACK_COMPONENTS_ALL runtime dev tools)
+set(CPACK_COMPONENTS_ALL runtime dev tools python)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)   # the exact library version for -dev and the tools
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -57,6 +57,21 @@ commands (faces, settings, recognition, snapshots, firmware upgrades) from a
 shell, aicam-sim, a simulated module on a pseudo-terminal for trying
 programs without the hardware, and the udev rule that gives the module's
 nodes to group plugdev with stable links under /dev/aicam/.")
+
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME ${AICAM_PACKAGE_python})
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS OFF)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3, python3-numpy")
+set(CPACK_COMPONENT_PYTHON_DEPENDS runtime)   # and so the exact library version
+set(CPACK_DEBIAN_PYTHON_DESCRIPTION "drive an AI camera module over USB - Python 3 package
+libai_camera drives an AI camera module attached over USB: its serial
+control port and its MJPEG video node.
+.
+This package holds aicam, a pure Python package on ctypes over the library:
+one method per command of the module, pictures as NumPy arrays, reports
+through callbacks or iterators, discovery, link events and the firmware
+upgrade.")
 
 find_program(AICAM_DPKG_SHLIBDEPS dpkg-shlibdeps)
 if(AICAM_DPKG_SHLIBDEPS)

@@ -12,6 +12,8 @@ packages=(
   help2man                       # the manual pages of aicam and aicam-sim
   dpkg-dev lintian file binutils # the Debian packages: shlibs, their check (scripts/check-packages.sh)
   python3                        # the include-cycle check
+  python3-numpy python3-pytest   # the Python package and its tests
+  python3-venv python3-pip python3-setuptools python3-wheel  # its pip install into a venv, tested
 )
 
 missing=()

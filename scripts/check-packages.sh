@@ -51,7 +51,7 @@ build_packages() {
     cmake --build "$build" &&
     cpack -G DEB --config "$build/CPackConfig.cmake" -B "$packages" &&
     ls "$packages"/libai-camera4_*.deb "$packages"/libai-camera-dev_*.deb "$packages"/ai-camera-tools_*.deb \
-       "$packages"/libai-camera4-dbgsym_*.ddeb "$packages"/ai-camera-tools-dbgsym_*.ddeb
+       "$packages"/python3-aicam_*_all.deb "$packages"/libai-camera4-dbgsym_*.ddeb "$packages"/ai-camera-tools-dbgsym_*.ddeb
 }
 
 run_lintian() {
@@ -107,7 +107,10 @@ run_on_packaged_simulator() {
   ldd "$work/cmake/enrol" | grep -F "$libdir/libai_camera.so.4" &&
     "$work/cmake/enrol" "$port" alice | grep -x "enrolled alice; the module holds 1 faces" &&
     "$work/pc/enrol" "$port" bob | grep -x "enrolled bob; the module holds 2 faces" &&
-    "$sysroot/usr/bin/aicam" --port "$port" faces list | grep -q bob
+    "$sysroot/usr/bin/aicam" --port "$port" faces list | grep -q bob &&
+    PYTHONPATH=$sysroot/usr/lib/python3/dist-packages AICAM_LIBRARY=$libdir/libai_camera.so.4 /usr/bin/python3 -c \
+      'import sys, aicam; m = aicam.Module(sys.argv[1]); m.open(); print(m.get_device_face_id()); m.close()' \
+      "$port" | grep -xF "['alice', 'bob']"
 }
 
 check build-packages build_packages
