@@ -69,3 +69,21 @@ def test_snapshot_example(venv_python: Path, start_simulator, library_path: str,
     idat = png.index(b"IDAT")
     length = struct.unpack(">I", png[idat - 4:idat])[0]
     assert len(zlib.decompress(png[idat + 4:idat + 4 + length])) == 64 * (1 + 96 * 4)
+
+
+def test_readme_example(venv_python: Path, start_simulator, library_path: str, scratch: Path) -> None:
+    """The README's Python example, run as printed with the simulator's port and video in place of the module's."""
+    readme = (_SOURCE.parent / "README.md").read_text()
+    block = readme.split("## Python", 1)[1].split("```python\n", 1)[1].split("```", 1)[0]
+    simulator = start_simulator("--video", str(scratch / "video.fifo"), "--fifo", "--size", "96x64",
+                                "--report-interval", "100")
+    program = block.replace('"/dev/ttyACM0", video="/dev/video0"',
+                            f'"{simulator.port}", playback="{simulator.video}"')
+    assert program != block, "the README's example no longer opens /dev/ttyACM0 and /dev/video0"
+    done = subprocess.run([str(venv_python), "-c", program], cwd=scratch, text=True, capture_output=True,
+                          timeout=120, env=_clean_environment(AICAM_LIBRARY=library_path))
+    assert done.returncode == 0, done.stdout + done.stderr
+    lines = done.stdout.splitlines()
+    assert len(lines) == 3, lines
+    assert lines[1] == "recognised alice"
+    assert lines[2].startswith("(64, 96, 4) {")
