@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "ReportSink.h"
 #include "SimulatedDevice.h"
 
 sim::Bytes Le32(uint32_t value);
@@ -33,6 +34,21 @@ protected:
     static std::string DeleteFaceNote(const void* id)
     {
         return "[ERROR] pID = " + Ptr(id) + "\n[INPUT ] invalid input\n[OUTPUT]\n[RETURN] nRet : 0\n";
+    }
+};
+
+// With the report sink started afresh for each case.
+class ReportingDevice : public DeviceTest {
+protected:
+    void SetUp() override
+    {
+        DeviceTest::SetUp();
+        ReportSink::Reset(&sim);
+    }
+    void TearDown() override
+    {
+        DeviceTest::TearDown();
+        ReportSink::Reset(nullptr);
     }
 };
 

@@ -9,7 +9,7 @@ namespace {
 const char* const kId = kCommandId;
 }  // namespace
 
-using Connection = DeviceTest;
+using Connection = ReportingDevice;
 
 TEST_F(Connection, ConnectAndDisconnectCodesAndTexts)
 {
@@ -97,7 +97,6 @@ TEST_F(Connection, UnusableAnswersFailWithMinusSevenOrEight)
 
 TEST_F(Connection, TwoHandlesShareOneLink)
 {
-    ReportSink::Reset(&sim);
     RegisterRecoReportCb(dev, ReportSink::Reco);
     void* second = Init();
     ASSERT_NE(nullptr, second);
@@ -120,7 +119,6 @@ TEST_F(Connection, TwoHandlesShareOneLink)
     // Releasing either handle closes the one link for both.
     EXPECT_EQ(0, DeInit(second));
     EXPECT_EQ(-6, QueryRecognize(dev));
-    ReportSink::Reset(nullptr);
 }
 
 TEST_F(Connection, CameraCallsWithoutACamera)
