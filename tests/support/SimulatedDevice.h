@@ -23,10 +23,10 @@ private:
     size_t m_before;
 };
 
-// One call and what it must give: its result, and the bodies of the `count`
-// records it writes, all under `function`. With a tag, the module first
-// answers that tag with `answer` and must receive `request` once; without one,
-// the call must send nothing.
+// One call and what it must give: its result, and the bodies of the records
+// it writes (one per "[RETURN]"), all under `function`. With a tag, the module
+// first answers that tag with `answer` and must receive `request` once;
+// without one, the call must send nothing.
 struct Row {
     std::string function;
     std::function<int()> call;
@@ -35,7 +35,6 @@ struct Row {
     uint16_t tag = 0;
     sim::Bytes answer = {};
     sim::Bytes request = {};
-    size_t count = 1;
 };
 
 class SimulatedDevice : public ::testing::Test {

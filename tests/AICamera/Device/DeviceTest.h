@@ -35,6 +35,11 @@ protected:
     {
         return "[ERROR] pID = " + Ptr(id) + "\n[INPUT ] invalid input\n[OUTPUT]\n[RETURN] nRet : 0\n";
     }
+    // The same for any function: empty but for DeleteFace.
+    static std::string NoteOf(const std::string& function, const void* id)
+    {
+        return function == "DeleteFace" ? DeleteFaceNote(id) : "";
+    }
 };
 
 // With the report sink started afresh for each case.

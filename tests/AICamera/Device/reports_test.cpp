@@ -65,7 +65,7 @@ TEST_F(Reports, RegistrationIsTraced)
                         body(Ptr(reinterpret_cast<void*>(c.callback)))});
         rows.push_back({c.function, [this, c] { c.reg(dev, nullptr); return 0; }, 0, body("(nil)")});
         // A null handle is ignored without a record.
-        rows.push_back({c.function, [c] { c.reg(nullptr, c.callback); return 0; }, 0, "", 0, {}, {}, 0});
+        rows.push_back({c.function, [c] { c.reg(nullptr, c.callback); return 0; }, 0, ""});
     }
     Check(rows);
 }
