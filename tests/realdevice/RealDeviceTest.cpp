@@ -69,7 +69,3 @@ std::vector<TraceEntry> RealDeviceTest::Records(const std::string& tag)
     return found;
 }
 
-double SecondsSince(std::chrono::steady_clock::time_point start)
-{
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}

@@ -11,6 +11,7 @@
 
 #include "ModuleEnd.h"
 #include "Rig.h"
+#include "TimedCall.h"
 #include "TraceLog.h"
 #include "ai_camera.h"
 
@@ -36,7 +37,5 @@ protected:
     std::unique_ptr<FrameFeeder> feeder;
     void* dev = nullptr;
 };
-
-double SecondsSince(std::chrono::steady_clock::time_point start);
 
 #endif

@@ -88,11 +88,7 @@ TEST_F(RealDeviceTest, EveryCommandFamilyAnswersThroughTheRealDriver)
 TEST_F(RealDeviceTest, AllFiveReportKindsWithTheImageAcknowledged)
 {
     ReportSink::Reset(&module.simulator);
-    RegisterTrackReportCb(dev, ReportSink::Track);
-    RegisterRecoReportCb(dev, ReportSink::Reco);
-    RegisterImageReportCb(dev, ReportSink::Image);
-    RegisterFeatureReportCb(dev, ReportSink::Feature);
-    RegisterQRCodeReportCb(dev, ReportSink::QRCode);
+    ReportSink::RegisterAll(dev);
     ConnectModule();
     ASSERT_EQ(0, AddFace(dev, kAlice, strlen(kAlice)));
     ASSERT_EQ(0, OpenAutoUploadAiInfo(dev, 4, 1));

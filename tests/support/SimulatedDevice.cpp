@@ -74,4 +74,39 @@ std::string SimulatedDevice::Refusal(const std::string& error, const std::string
     return Failure(error, " invalid input", outputs, -4);
 }
 
+std::vector<TraceEntry> NewRecords::Take() const
+{
+    std::vector<TraceEntry> all = TraceLog::Read();
+    return all.size() < m_before ? std::vector<TraceEntry>() : std::vector<TraceEntry>(all.begin() + m_before, all.end());
+}
+
+void SimulatedDevice::Check(const std::vector<Row>& rows)
+{
+    for (size_t i = 0; i < rows.size(); ++i) {
+        const Row& row = rows[i];
+        SCOPED_TRACE("row " + std::to_string(i) + ": " + row.function);
+        if (row.tag)
+            Answer(row.tag, row.answer);
+        size_t sent = sim.Requests().size(), tagged = RequestCount(row.tag);
+        NewRecords records;
+        EXPECT_EQ(row.result, row.call());
+        std::string bodies;
+        std::vector<TraceEntry> added = records.Take();
+        for (const TraceEntry& entry : added) {
+            EXPECT_EQ(row.function, entry.function);
+            bodies += entry.body;
+        }
+        size_t count = 0;
+        for (size_t at = 0; (at = row.records.find("[RETURN]", at)) != std::string::npos; ++at)
+            ++count;
+        EXPECT_EQ(count, added.size());
+        EXPECT_EQ(row.records, bodies);
+        if (row.tag) {
+            EXPECT_EQ(tagged + 1, RequestCount(row.tag));
+            EXPECT_EQ(row.request, LastRequest(row.tag));
+        } else
+            EXPECT_EQ(sent, sim.Requests().size()) << "sent a request";
+    }
+}
+
 sim::Bytes BytesOf(const std::string& text) { return sim::Bytes(text.begin(), text.end()); }

@@ -5,11 +5,37 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "ModuleSimulator.h"
 #include "TraceLog.h"
 #include "ai_camera.h"
+
+// The trace records written since construction.
+class NewRecords {
+public:
+    NewRecords() : m_before(TraceLog::Read().size()) {}
+    std::vector<TraceEntry> Take() const;
+
+private:
+    size_t m_before;
+};
+
+// One call and what it must give: its result, and the bodies of the records
+// it writes (one per "[RETURN]"), all under `function`. With a tag, the module
+// first answers that tag with `answer` and must receive `request` once;
+// without one, the call must send nothing.
+struct Row {
+    std::string function;
+    std::function<int()> call;
+    int result;
+    std::string records;
+    uint16_t tag = 0;
+    sim::Bytes answer = {};
+    sim::Bytes request = {};
+};
 
 class SimulatedDevice : public ::testing::Test {
 protected:
@@ -32,6 +58,9 @@ protected:
                         int nRet) const;
     // A refused argument: -4 with " invalid input".
     std::string Refusal(const std::string& error, const std::string& outputs = "") const;
+
+    // Walks a table of calls.
+    void Check(const std::vector<Row>& rows);
 
     sim::ModuleSimulator sim;
     void* dev = nullptr;

@@ -1,5 +1,6 @@
-// A call on a thread of its own, with its result and how long it took: for
-// callers that must come back within their deadline while the link misbehaves.
+// How long since a start, and a call on a thread of its own with its result and
+// how long it took: for callers that must come back within their deadline
+// while the link misbehaves.
 #ifndef TESTS_TIMED_CALL_H
 #define TESTS_TIMED_CALL_H
 
@@ -11,6 +12,11 @@
 inline long long MsSince(std::chrono::steady_clock::time_point start)
 {
     return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
+}
+
+inline double SecondsSince(std::chrono::steady_clock::time_point start)
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
 struct TimedCall {

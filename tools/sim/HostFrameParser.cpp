@@ -1,14 +1,12 @@
 #include <algorithm>
 
 #include "../../OS/OS_ByteOrder.h"
-#include "SimState.h"
+#include "HostFrameParser.h"
 
 namespace sim {
 namespace {
-const uint8_t kHostMarker = 0x1A;
 // Larger than anything the host sends; a longer length is a broken frame.
 const uint32_t kMaxPayload = 16u << 20;
-
 
 Request MakeRequest(const uint8_t* payload, size_t size)
 {
@@ -30,9 +28,9 @@ std::vector<Request> HostFrameParser::Feed(const uint8_t* data, size_t len)
     std::vector<Request> found;
     size_t at = 0;
     while (at < m_buffer.size()) {
-        if (m_buffer[at] != kHostMarker) {
+        if (m_buffer[at] != m_marker) {
             // Skip to the next marker; the run of junk counts as one bad frame.
-            auto next = std::find(m_buffer.begin() + static_cast<long>(at), m_buffer.end(), kHostMarker);
+            auto next = std::find(m_buffer.begin() + static_cast<long>(at), m_buffer.end(), m_marker);
             at = static_cast<size_t>(next - m_buffer.begin());
             ++m_badFrames;
             continue;

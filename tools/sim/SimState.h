@@ -11,6 +11,7 @@
 #include <random>
 #include <thread>
 
+#include "HostFrameParser.h"
 #include "ModuleSimulator.h"
 
 namespace sim {
@@ -22,19 +23,6 @@ struct OutItem {
     Bytes bytes;
     size_t chunk = 0;
     int bytesPerMs = 0;
-};
-
-// Cuts the host's byte stream into frames: marker 0x1A, length u32 BE,
-// payload, CRC u32 BE. Refused frames are counted, not delivered.
-class HostFrameParser {
-public:
-    // Appends bytes and returns every complete, valid request found.
-    std::vector<Request> Feed(const uint8_t* data, size_t len);
-    size_t BadFrames() const { return m_badFrames; }
-
-private:
-    Bytes m_buffer;
-    size_t m_badFrames = 0;
 };
 
 struct ModuleSimulator::State {

@@ -27,37 +27,6 @@ std::string Ptr(const void* p)
     return text;
 }
 
-std::vector<TraceEntry> NewRecords::Take() const
-{
-    std::vector<TraceEntry> all = TraceLog::Read();
-    return all.size() < m_before ? std::vector<TraceEntry>() : std::vector<TraceEntry>(all.begin() + m_before, all.end());
-}
-
-void DeviceTest::Check(const std::vector<Row>& rows)
-{
-    for (size_t i = 0; i < rows.size(); ++i) {
-        const Row& row = rows[i];
-        SCOPED_TRACE("row " + std::to_string(i) + ": " + row.function);
-        if (row.tag)
-            Answer(row.tag, row.answer);
-        size_t sent = sim.Requests().size();
-        NewRecords records;
-        EXPECT_EQ(row.result, row.call());
-        std::string bodies;
-        std::vector<TraceEntry> added = records.Take();
-        for (const TraceEntry& entry : added) {
-            EXPECT_EQ(row.function, entry.function);
-            bodies += entry.body;
-        }
-        EXPECT_EQ(row.count, added.size());
-        EXPECT_EQ(row.records, bodies);
-        if (row.tag)
-            EXPECT_EQ(row.request, LastRequest(row.tag));
-        else
-            EXPECT_EQ(sent, sim.Requests().size()) << "sent a request";
-    }
-}
-
 void DeviceTest::AnswerPayload(uint16_t tag, const sim::Bytes& payload)
 {
     sim::ModuleSimulator* module = &sim;

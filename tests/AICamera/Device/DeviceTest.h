@@ -1,13 +1,13 @@
-// Shared pieces of the device tests: byte builders, the records a call writes,
-// and a walker for tables of calls against the simulated module.
+// Shared pieces of the device tests: byte builders and the records a call
+// writes.
 #ifndef TESTS_DEVICE_DEVICE_TEST_H
 #define TESTS_DEVICE_DEVICE_TEST_H
 
-#include <functional>
 #include <initializer_list>
 #include <string>
 #include <vector>
 
+#include "ReportSink.h"
 #include "SimulatedDevice.h"
 
 sim::Bytes Le32(uint32_t value);
@@ -26,40 +26,34 @@ struct Command {
 const std::vector<Command>& Commands();
 extern const char kCommandId[];  // "alice", the identifier the commands pass
 
-// The trace records written since construction.
-class NewRecords {
-public:
-    NewRecords() : m_before(TraceLog::Read().size()) {}
-    std::vector<TraceEntry> Take() const;
-
-private:
-    size_t m_before;
-};
-
-// One call and what it must give: its result, and the bodies of the `count`
-// records it writes, all under `function`. With a tag, the module first
-// answers that tag with `answer` and must receive `request`; without one, the
-// call must send nothing.
-struct Row {
-    std::string function;
-    std::function<int()> call;
-    int result;
-    std::string records;
-    uint16_t tag = 0;
-    sim::Bytes answer = {};
-    sim::Bytes request = {};
-    size_t count = 1;
-};
-
 class DeviceTest : public SimulatedDevice {
 protected:
-    void Check(const std::vector<Row>& rows);
     // The module answers this tag with a payload of its own making, not wrapped into a record.
     void AnswerPayload(uint16_t tag, const sim::Bytes& payload);
     // The record DeleteFace's exported function writes before every call.
     static std::string DeleteFaceNote(const void* id)
     {
         return "[ERROR] pID = " + Ptr(id) + "\n[INPUT ] invalid input\n[OUTPUT]\n[RETURN] nRet : 0\n";
+    }
+    // The same for any function: empty but for DeleteFace.
+    static std::string NoteOf(const std::string& function, const void* id)
+    {
+        return function == "DeleteFace" ? DeleteFaceNote(id) : "";
+    }
+};
+
+// With the report sink started afresh for each case.
+class ReportingDevice : public DeviceTest {
+protected:
+    void SetUp() override
+    {
+        DeviceTest::SetUp();
+        ReportSink::Reset(&sim);
+    }
+    void TearDown() override
+    {
+        DeviceTest::TearDown();
+        ReportSink::Reset(nullptr);
     }
 };
 

@@ -2,6 +2,8 @@
 
 #include <chrono>
 
+#include "ai_camera.h"
+
 namespace {
 const int kDeadlineMs = 10000;
 const uint16_t kImageReport = 0x33;
@@ -35,6 +37,15 @@ void ReportSink::Reset(const sim::ModuleSimulator* module)
     State().received.clear();
     State().module = module;
     State().acksAtLastImage = 0;
+}
+
+void ReportSink::RegisterAll(void* dev)
+{
+    RegisterTrackReportCb(dev, Track);
+    RegisterRecoReportCb(dev, Reco);
+    RegisterQRCodeReportCb(dev, QRCode);
+    RegisterImageReportCb(dev, Image);
+    RegisterFeatureReportCb(dev, Feature);
 }
 
 std::vector<ReceivedReport> ReportSink::Received()

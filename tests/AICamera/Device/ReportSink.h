@@ -22,6 +22,8 @@ class ReportSink {
 public:
     // Starts afresh; image callbacks consult `module` for acknowledgements.
     static void Reset(const sim::ModuleSimulator* module);
+    // Registers the first callback of each of the five kinds on `dev`.
+    static void RegisterAll(void* dev);
     static std::vector<ReceivedReport> Received();
     // Waits until `count` reports have arrived, with a generous deadline.
     static bool WaitFor(size_t count);

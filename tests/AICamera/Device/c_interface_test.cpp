@@ -14,7 +14,7 @@ void CRegisterReco(void* dev, void (*callback)(char* data, int len));
 int CCountModules(char* version, int versionSize);
 }
 
-using CInterface = DeviceTest;
+using CInterface = ReportingDevice;
 
 TEST_F(CInterface, ValuesAndRefusalsSeenFromC)
 {
@@ -38,10 +38,8 @@ TEST_F(CInterface, AnImageAndAReportReachCCode)
     EXPECT_EQ(6u, length);
     EXPECT_EQ(0, memcmp(copy, "carol!", 7));
     EXPECT_EQ(Cat({{0x02}, Le32(5), BytesOf("carol")}), LastRequest(0x01));
-    ReportSink::Reset(&sim);
     CRegisterReco(dev, ReportSink::Reco);
     sim.PushReport(0x31, BytesOf("from-c"));
     ASSERT_TRUE(ReportSink::WaitFor(1));
     EXPECT_EQ(BytesOf("from-c"), ReportSink::Received()[0].value);
-    ReportSink::Reset(nullptr);
 }

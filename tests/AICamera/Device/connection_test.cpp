@@ -9,7 +9,7 @@ namespace {
 const char* const kId = kCommandId;
 }  // namespace
 
-using Connection = DeviceTest;
+using Connection = ReportingDevice;
 
 TEST_F(Connection, ConnectAndDisconnectCodesAndTexts)
 {
@@ -46,11 +46,9 @@ TEST_F(Connection, EveryCommandWithoutASerialLinkFailsWithMinusSix)
     ASSERT_EQ(0, DisconnectSerial(dev));
     std::vector<Row> rows;
     for (const Command& c : Commands()) {
-        bool deleting = strcmp(c.function, "DeleteFace") == 0;
         rows.push_back({c.function, [this, c] { return c.call(dev); }, -6,
-                        (deleting ? DeleteFaceNote(kId) : "") +
-                            Failure("m_pCommandManager->Execute(&syncCommand) != 0", c.inputs, c.output, -6),
-                        0, {}, {}, deleting ? 2u : 1u});
+                        NoteOf(c.function, kId) +
+                            Failure("m_pCommandManager->Execute(&syncCommand) != 0", c.inputs, c.output, -6)});
     }
     char feature[8];
     memset(feature, 'x', sizeof feature);
@@ -97,7 +95,6 @@ TEST_F(Connection, UnusableAnswersFailWithMinusSevenOrEight)
 
 TEST_F(Connection, TwoHandlesShareOneLink)
 {
-    ReportSink::Reset(&sim);
     RegisterRecoReportCb(dev, ReportSink::Reco);
     void* second = Init();
     ASSERT_NE(nullptr, second);
@@ -120,7 +117,6 @@ TEST_F(Connection, TwoHandlesShareOneLink)
     // Releasing either handle closes the one link for both.
     EXPECT_EQ(0, DeInit(second));
     EXPECT_EQ(-6, QueryRecognize(dev));
-    ReportSink::Reset(nullptr);
 }
 
 TEST_F(Connection, CameraCallsWithoutACamera)
@@ -135,10 +131,10 @@ TEST_F(Connection, CameraCallsWithoutACamera)
         frame(nullptr, 16, side, 16, "imageBuf == nullptr"), frame(image, 0, side, 16, "imageSize == 0"),
         frame(image, 16, nullptr, 16, "verifyBuf == nullptr"), frame(image, 16, side, 0, "verifySize == 0"),
         // A negative size passes these checks; without a camera there is no picture, and no record.
-        {"GetFrame", [&] { return GetFrame(dev, image, -1, side, 16); }, -1, "", 0, {}, {}, 0},
+        {"GetFrame", [&] { return GetFrame(dev, image, -1, side, 16); }, -1, ""},
         // GetResolution traces only a pair other than the one it last saw.
-        {"GetResolution", [&] { return GetResolution(dev, &width, &height); }, -1, "", 0, {}, {}, 0},
+        {"GetResolution", [&] { return GetResolution(dev, &width, &height); }, -1, ""},
         {"GetResolution", [&] { return GetResolution(dev, &one, &two); }, -1, Body("", " width : 1 height : 2", -1)},
-        {"GetResolution", [&] { return GetResolution(dev, &one, &two); }, -1, "", 0, {}, {}, 0},
+        {"GetResolution", [&] { return GetResolution(dev, &one, &two); }, -1, ""},
     });
 }

@@ -178,7 +178,7 @@ TEST_F(Lifecycle, EveryExportedFunctionRefusesANullHandle)
         {"DeInitDev", [] { return DeInitDev(nullptr); }, -1, "[ERROR ] " + refused},
         {"DeInit", [] { return DeInit(nullptr); }, -1, "[ERROR ] dev == nullptr" + refused.substr(15)},
         {"DeleteFace", [] { return DeleteFace(nullptr, 1, kBob, 3); }, -1,
-         DeleteFaceNote(kBob) + "[ERROR] " + refused, 0, {}, {}, 2},
+         DeleteFaceNote(kBob) + "[ERROR] " + refused},
     };
 #undef NULL_HANDLE
     EXPECT_EQ(68u, rows.size());  // all that take a handle but the registrations and the playback extension

@@ -6,19 +6,8 @@ namespace {
 const uint16_t kTrack = 0x30, kReco = 0x31, kQRCode = 0x32, kImage = 0x33, kFeature = 0x34;
 }  // namespace
 
-class Reports : public DeviceTest {
+class Reports : public ReportingDevice {
 protected:
-    void SetUp() override
-    {
-        DeviceTest::SetUp();
-        ReportSink::Reset(&sim);
-    }
-    void TearDown() override
-    {
-        DeviceTest::TearDown();
-        ReportSink::Reset(nullptr);
-    }
-
     // Everything the library did for earlier reports is done once a
     // recognition report pushed after them has reached its callback, and the
     // module has read whatever was sent before a request made after that.
@@ -36,11 +25,7 @@ protected:
 TEST_F(Reports, CallbacksRegisteredBeforeConnectingReceiveEachKind)
 {
     ASSERT_EQ(0, DisconnectSerial(dev));
-    RegisterTrackReportCb(dev, ReportSink::Track);
-    RegisterRecoReportCb(dev, ReportSink::Reco);
-    RegisterQRCodeReportCb(dev, ReportSink::QRCode);
-    RegisterImageReportCb(dev, ReportSink::Image);
-    RegisterFeatureReportCb(dev, ReportSink::Feature);
+    ReportSink::RegisterAll(dev);
     ASSERT_EQ(0, ConnectSerial(dev, sim.SlavePath().c_str()));
     const uint16_t kinds[] = {kTrack, kReco, kQRCode, kImage, kFeature, kReco};
     const sim::Bytes values[] = {BytesOf("{\"track\":[1,2,3,4]}"), BytesOf("{\"id\":\"alice\",\"score\":97}"),
@@ -80,7 +65,7 @@ TEST_F(Reports, RegistrationIsTraced)
                         body(Ptr(reinterpret_cast<void*>(c.callback)))});
         rows.push_back({c.function, [this, c] { c.reg(dev, nullptr); return 0; }, 0, body("(nil)")});
         // A null handle is ignored without a record.
-        rows.push_back({c.function, [c] { c.reg(nullptr, c.callback); return 0; }, 0, "", 0, {}, {}, 0});
+        rows.push_back({c.function, [c] { c.reg(nullptr, c.callback); return 0; }, 0, ""});
     }
     Check(rows);
 }

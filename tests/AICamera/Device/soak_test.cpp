@@ -43,27 +43,11 @@ struct Plan {
 };
 }  // namespace
 
-class Soak : public DeviceTest {
-protected:
-    void SetUp() override
-    {
-        DeviceTest::SetUp();
-        ReportSink::Reset(&sim);
-        RegisterTrackReportCb(dev, ReportSink::Track);
-        RegisterRecoReportCb(dev, ReportSink::Reco);
-        RegisterQRCodeReportCb(dev, ReportSink::QRCode);
-        RegisterImageReportCb(dev, ReportSink::Image);
-        RegisterFeatureReportCb(dev, ReportSink::Feature);
-    }
-    void TearDown() override
-    {
-        DeviceTest::TearDown();
-        ReportSink::Reset(nullptr);
-    }
-};
+using Soak = ReportingDevice;
 
 TEST_F(Soak, AThousandMixedRequestsUnderFaultsReturnTheirCodes)
 {
+    ReportSink::RegisterAll(dev);
     auto plan = std::make_shared<Plan>();
     sim::ModuleSimulator* module = &sim;
     sim.SetDefaultHandler([module, plan](const sim::Request& request) -> std::optional<sim::Bytes> {
@@ -163,6 +147,7 @@ TEST_F(Soak, AThousandMixedRequestsUnderFaultsReturnTheirCodes)
 
 TEST_F(Soak, TwoThreadsOnOneHandleEachGetTheirOwnAnswers)
 {
+    ReportSink::RegisterAll(dev);
     // Each answer comes with a report pushed just before it.
     sim::ModuleSimulator* module = &sim;
     sim.SetDefaultHandler([module](const sim::Request& request) -> std::optional<sim::Bytes> {

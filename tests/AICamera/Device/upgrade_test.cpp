@@ -54,8 +54,21 @@ protected:
     void SetUp() override
     {
         DeviceTest::SetUp();
-        if (!HasFatalFailure())
-            model.Install();
+        if (HasFatalFailure())
+            return;
+        model.Install();
+        std::shared_ptr<Failures> failures = m_failures;
+        sim::ModuleModel* module = &model;
+        sim.SetHandler(kSliceTag, [failures, module](const sim::Request& request) {
+            std::unique_lock<std::mutex> lock(failures->mutex);
+            auto failure = failures->left.find(PositionOf(request));
+            if (failure != failures->left.end() && failure->second != 0) {
+                --failure->second;
+                return std::optional<sim::Bytes>(sim::Bytes{3});
+            }
+            lock.unlock();
+            return module->Handle(request);
+        });
     }
 
     // The slice at `position` is refused with status 3 its first `times` tries (-1: always).
@@ -63,7 +76,6 @@ protected:
     {
         std::lock_guard<std::mutex> lock(m_failures->mutex);
         m_failures->left[position] = times;
-        InstallFailures();
     }
 
     // Positions of the slices the module received, in order.
@@ -85,23 +97,6 @@ protected:
     sim::ModuleModel model{sim};
 
 private:
-    void InstallFailures()
-    {
-        std::shared_ptr<Failures> failures = m_failures;
-        sim::ModuleModel* module = &model;
-        sim.SetHandler(kSliceTag, [failures, module](const sim::Request& request) {
-            {
-                std::lock_guard<std::mutex> lock(failures->mutex);
-                auto failure = failures->left.find(PositionOf(request));
-                if (failure != failures->left.end() && failure->second != 0) {
-                    --failure->second;
-                    return std::optional<sim::Bytes>(sim::Bytes{3});
-                }
-            }
-            return module->Handle(request);
-        });
-    }
-
     // Shared with the handler on the simulator's reader thread.
     struct Failures {
         std::mutex mutex;

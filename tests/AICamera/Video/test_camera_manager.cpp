@@ -12,14 +12,10 @@
 #include "AICamera/Video/CameraManager.h"
 #include "AICamera/Log/Log.h"
 #include "MjpegClip.h"
+#include "TimedCall.h"
 
 namespace {
 const char* const kOpenFailed = "[ERROR] [FILE : FFCamera][FUNCTION : openCamera][LINE : ";
-
-double SecondsSince(std::chrono::steady_clock::time_point start)
-{
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 std::string LogText()
 {

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "MjpegClip.h"
+#include "TimedCall.h"
 #include "TraceLog.h"
 #include "ai_camera_ext.h"
 
@@ -18,11 +19,6 @@ namespace {
 const int kWidth = 64;
 const int kHeight = 48;
 const int kNoTimeLimitMs = 20000;
-
-double SecondsSince(std::chrono::steady_clock::time_point start)
-{
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 double ProcessCpuSeconds()
 {

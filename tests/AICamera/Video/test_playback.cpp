@@ -12,6 +12,7 @@
 
 #include "AICamera/Video/FFCamera.h"
 #include "MjpegClip.h"
+#include "TimedCall.h"
 
 namespace {
 const int kWidth = 320;
@@ -175,7 +176,7 @@ TEST_F(PlaybackTest, LiveFifoPicturesComeAsTheyArrive)
         }
     });
     const bool blue = WaitFor(kBlue);
-    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const double seconds = SecondsSince(start);
     feed.join();
     close(writer);
     ASSERT_TRUE(blue);
@@ -213,6 +214,6 @@ TEST_F(PlaybackTest, FileAtItsEndDoesNotBurnACore)
     const auto wall = std::chrono::steady_clock::now();
     std::this_thread::sleep_for(std::chrono::milliseconds(500));  // a measuring window
     const double cpuSeconds = double(clock() - cpu) / CLOCKS_PER_SEC;
-    EXPECT_LT(cpuSeconds, 0.25 * std::chrono::duration<double>(std::chrono::steady_clock::now() - wall).count());
+    EXPECT_LT(cpuSeconds, 0.25 * SecondsSince(wall));
 }
 }  // namespace

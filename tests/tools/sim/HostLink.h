@@ -14,8 +14,7 @@
 #include <string>
 #include <utility>
 
-#include "ModuleSimulator.h"
-#include "../../../OS/OS_ByteOrder.h"
+#include "HostFrameParser.h"
 
 namespace sim::test {
 
@@ -74,34 +73,12 @@ private:
             uint8_t buffer[65536];
             if (left.count() <= 0) return std::nullopt;
             const ssize_t n = ::poll(&p, 1, int(left.count())) > 0 ? ::read(m_fd, buffer, sizeof buffer) : 0;
-            m_input.insert(m_input.end(), buffer, buffer + std::max<ssize_t>(n, 0));
-            CutFrames();
+            for (Request& frame : m_parser.Feed(buffer, size_t(std::max<ssize_t>(n, 0))))
+                m_records.emplace_back(frame.tag, std::move(frame.value));
         }
     }
-    static uint32_t Field(const uint8_t* p, int n, bool bigEndian) { return OS_ReadOrdered(p, unsigned(n), bigEndian); }
-    // Frames: 0xA1, u32 big-endian length, payload (one TLV record), u32 big-endian CRC.
-    void CutFrames() {
-        for (;;) {
-            size_t start = 0;
-            while (start < m_input.size() && m_input[start] != 0xA1) ++start;
-            m_input.erase(m_input.begin(), m_input.begin() + long(start));
-            if (m_input.size() < 5) return;
-            const size_t length = Field(&m_input[1], 4, true);
-            if (m_input.size() < 5 + length + 4) return;
-            const uint8_t* payload = &m_input[5];
-            const size_t valueLength = length >= 6 ? Field(payload + 2, 4, false) : length;
-            if (length < 6 || valueLength > length - 6 ||
-                Field(payload + length, 4, true) != ModuleSimulator::Crc(m_input.data(), 5 + length)) {
-                m_input.erase(m_input.begin());   // a broken frame: look for the next marker
-                continue;
-            }
-            m_records.emplace_back(uint16_t(Field(payload, 2, false)), Bytes(payload + 6, payload + 6 + valueLength));
-            m_input.erase(m_input.begin(), m_input.begin() + long(5 + length + 4));
-        }
-    }
-
     int m_fd;
-    Bytes m_input;
+    HostFrameParser m_parser{0xA1};  // the module's frames
     std::deque<Record> m_records;
 };
 

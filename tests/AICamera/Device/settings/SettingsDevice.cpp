@@ -4,11 +4,6 @@
 
 namespace {
 const uint16_t kTemperatureTag = 0x200F;
-
-std::string Record(const std::string& error, const std::string& body)
-{
-    return error.empty() ? body : "[ERROR] " + error + "\n" + body;
-}
 }  // namespace
 
 Call InBuffer(size_t size, std::function<int(void* dev, char* buffer)> call)
@@ -23,21 +18,19 @@ Call InBuffer(size_t size, std::function<int(void* dev, char* buffer)> call)
 
 void SettingsDevice::Walk(const std::vector<Exchange>& rows)
 {
-    for (size_t i = 0; i < rows.size(); ++i) {
-        const Exchange& row = rows[i];
-        SCOPED_TRACE("row " + std::to_string(i) + ": " + row.function + " " + row.error);
-        if (row.tag)
-            Answer(row.tag, row.answer);
-        size_t before = RequestCount(row.tag);
-        std::string seen;
-        EXPECT_EQ(row.code, row.call(dev, seen));
-        if (row.tag) {
-            EXPECT_EQ(before + 1, RequestCount(row.tag));
-            EXPECT_EQ(row.request, LastRequest(row.tag));
-        }
-        EXPECT_EQ(Record(row.error, Body(row.inputs, row.outputs, row.code)), LastRecord(row.function));
-        EXPECT_EQ(row.seen, seen);
+    std::vector<Row> checked;
+    for (const Exchange& row : rows) {
+        auto call = [this, row] {
+            std::string seen;
+            int code = row.call(dev, seen);
+            EXPECT_EQ(row.seen, seen) << row.function;
+            return code;
+        };
+        std::string body = Body(row.inputs, row.outputs, row.code);
+        checked.push_back({row.function, call, row.code, row.error.empty() ? body : "[ERROR] " + row.error + "\n" + body,
+                           row.tag, row.answer, row.request});
     }
+    Check(checked);
 }
 
 void SettingsDevice::Walk(const std::vector<Unsent>& rows, bool portOpen)
