@@ -11,7 +11,7 @@
 #include <random>
 #include <thread>
 
-#include "HostFrameParser.h"
+#include "FrameParser.h"
 #include "ModuleSimulator.h"
 
 namespace sim {
@@ -40,7 +40,7 @@ struct ModuleSimulator::State {
     std::map<uint16_t, Handler> handlers;
     Handler defaultHandler;
     std::vector<Request> requests;
-    HostFrameParser parser;
+    FrameParser parser;
 
     std::deque<OutItem> output;
     size_t splitChunk = 0;

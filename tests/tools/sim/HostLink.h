@@ -14,7 +14,7 @@
 #include <string>
 #include <utility>
 
-#include "HostFrameParser.h"
+#include "FrameParser.h"
 
 namespace sim::test {
 
@@ -78,7 +78,7 @@ private:
         }
     }
     int m_fd;
-    HostFrameParser m_parser{0xA1};  // the module's frames
+    FrameParser m_parser{0xA1};  // the module's frames
     std::deque<Record> m_records;
 };
 

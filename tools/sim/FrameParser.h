@@ -1,17 +1,17 @@
 // Cuts a byte stream into frames: marker, length u32 BE, payload, CRC u32 BE.
 // The simulator reads the host's frames (0x1A) with it; tests read the
 // module's (0xA1). Refused frames are counted, not delivered.
-#ifndef SIM_HOST_FRAME_PARSER_H
-#define SIM_HOST_FRAME_PARSER_H
+#ifndef SIM_FRAME_PARSER_H
+#define SIM_FRAME_PARSER_H
 
 #include <vector>
 
 #include "ModuleSimulator.h"
 
 namespace sim {
-class HostFrameParser {
+class FrameParser {
 public:
-    explicit HostFrameParser(uint8_t marker = 0x1A) : m_marker(marker) {}
+    explicit FrameParser(uint8_t marker = 0x1A) : m_marker(marker) {}
     // Appends bytes and returns every complete, valid frame found.
     std::vector<Request> Feed(const uint8_t* data, size_t len);
     size_t BadFrames() const { return m_badFrames; }

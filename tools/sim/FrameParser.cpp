@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "../../OS/OS_ByteOrder.h"
-#include "HostFrameParser.h"
+#include "FrameParser.h"
 
 namespace sim {
 namespace {
@@ -22,7 +22,7 @@ Request MakeRequest(const uint8_t* payload, size_t size)
 }
 }  // namespace
 
-std::vector<Request> HostFrameParser::Feed(const uint8_t* data, size_t len)
+std::vector<Request> FrameParser::Feed(const uint8_t* data, size_t len)
 {
     m_buffer.insert(m_buffer.end(), data, data + len);
     std::vector<Request> found;
